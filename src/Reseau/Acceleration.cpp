@@ -1,0 +1,108 @@
+// Composition of steps into one acceleration, and their use on a marking.
+//
+// Walking the sequence forwards, `effet_[p]` is the change of place p so far and `pre_[p]` what the start
+// must hold for every step so far to be possible: a step that needs n raises it to n - effet_[p]. A pumped
+// place has effect OMEGA from there on and then meets every later need. A step that needs OMEGA of a place
+// whose change so far is finite needs OMEGA at the start.
+#include "Reseau/Acceleration.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "Reseau/Marquage.h"
+
+namespace Reseau {
+
+namespace {
+
+// No sum of 64-bit counts along a run that fits in memory comes near it.
+constexpr Large INFINI = static_cast<Large>(1) << 126;
+
+}  // namespace
+
+Accelerations::Accelerations(const Net& net)
+    : net_(net), pre_(net.places.size(), 0), effet_(net.places.size(), 0), touchee_(net.places.size(), 0) {}
+
+void Accelerations::toucher(std::uint32_t place) {
+    if (touchee_[place]) return;
+    touchee_[place] = 1;
+    touchees_.push_back(place);
+}
+
+void Accelerations::exiger(std::uint32_t place, Compte besoin) {
+    toucher(place);
+    if (effet_[place] == INFINI) return;
+    if (besoin == OMEGA)
+        pre_[place] = effet_[place] = INFINI;
+    else
+        pre_[place] = std::max(pre_[place], besoin - effet_[place]);
+}
+
+void Accelerations::ajouter(std::uint32_t place, Compte effet) {
+    toucher(place);
+    if (effet_[place] != INFINI) effet_[place] = effet == OMEGA ? INFINI : effet_[place] + effet;
+}
+
+void Accelerations::suivre(const Pas& p) {
+    if (p.genre == Pas::TIR) {
+        const Transition& t = net_.transitions[p.numero];
+        for (const Poids& besoin : t.pre) exiger(besoin.place, besoin.compte);
+        for (const Poids& e : t.effet) ajouter(e.place, e.compte);
+    } else {
+        const Acceleration& a = liste_[p.numero];
+        for (const Poids& besoin : a.pre) exiger(besoin.place, besoin.compte);
+        for (const std::uint32_t place : a.pompes) ajouter(place, OMEGA);
+    }
+}
+
+std::uint32_t Accelerations::apprendre(std::vector<Pas> pas) {
+    for (const Pas& p : pas) suivre(p);
+    std::ranges::sort(touchees_);
+    Acceleration a;
+    a.pas = std::move(pas);
+    for (const std::uint32_t p : touchees_) {
+        const Compte besoin = effet_[p] < 0 || pre_[p] >= OMEGA ? OMEGA : static_cast<Compte>(pre_[p]);
+        if (besoin > 0) a.pre.push_back({p, besoin});
+        if (besoin != OMEGA && effet_[p] > 0) a.pompes.push_back(p);
+        pre_[p] = effet_[p] = 0;
+        touchee_[p] = 0;
+    }
+    touchees_.clear();
+
+    const auto numero = static_cast<std::uint32_t>(liste_.size());
+    liste_.push_back(std::move(a));
+    const Acceleration& neuve = liste_.back();
+    const auto subsume = [](const Acceleration& forte, const Acceleration& faible) {
+        return std::ranges::includes(forte.pompes, faible.pompes) &&
+               std::ranges::all_of(forte.pre, [&](const Poids& p) { return p.compte <= valeur(faible.pre, p.place); });
+    };
+    if (std::ranges::none_of(actives_, [&](std::uint32_t i) { return subsume(liste_[i], neuve); })) {
+        std::erase_if(actives_, [&](std::uint32_t i) { return subsume(neuve, liste_[i]); });
+        actives_.push_back(numero);
+    }
+    return numero;
+}
+
+bool Accelerations::applicable(const Acceleration& a, const Marquage& m) const {
+    return std::ranges::any_of(a.pompes, [&](std::uint32_t p) { return m[p] != OMEGA; }) &&
+           std::ranges::all_of(a.pre, [&](const Poids& p) { return m[p.place] >= p.compte; });
+}
+
+void Accelerations::appliquer(Marquage& m, std::vector<std::uint32_t>& appliquees) const {
+    for (bool change = true; change;) {
+        change = false;
+        for (const std::uint32_t i : actives_)
+            if (applicable(liste_[i], m)) {
+                pomper(liste_[i], m);
+                appliquees.push_back(i);
+                change = true;
+            }
+    }
+}
+
+void pomper(const Acceleration& a, Marquage& m) {
+    for (const std::uint32_t p : a.pompes)
+        if (m[p] != OMEGA) m.poser(p, OMEGA);
+}
+
+}  // namespace Reseau

@@ -1,0 +1,69 @@
+// Accelerations as objects of their own. A sequence of steps that can be fired wherever a marking holds
+// `pre`, that takes nothing away for good outside places that are already omega, and that raises the places
+// `pompes`, can be repeated as often as one likes: those places become omega. What was learnt on one branch
+// of the construction then works on every other.
+//
+// Source: A. Finkel, S. Haddad, I. Khmelnitsky, "Commodification of accelerations for the Karp and Miller
+// construction", Discrete Event Dynamic Systems 31 (2021). As there, an entry of `pre` may be OMEGA: the
+// sequence consumes that place in the balance, and is repeatable only where the place is omega already.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "Reseau/Net.h"
+
+namespace Reseau {
+
+class Marquage;
+
+/// One step of a run: a transition fired once, or an acceleration.
+struct Pas {
+    enum Genre : std::uint32_t { TIR, POMPE } genre;
+    std::uint32_t numero;
+    bool operator==(const Pas&) const = default;
+};
+
+struct Acceleration {
+    Creux pre;                          ///< what a marking must hold, OMEGA included
+    std::vector<std::uint32_t> pompes;  ///< places that become OMEGA, ascending
+    std::vector<Pas> pas;               ///< the sequence that is repeated; accelerations in it are earlier ones
+};
+
+class Accelerations {
+public:
+    explicit Accelerations(const Net& net);
+
+    std::size_t nombre() const { return liste_.size(); }
+    const Acceleration& operator[](std::size_t i) const { return liste_[i]; }
+
+    /// The acceleration that repeats `pas`, worked out from the steps' own needs and effects: the weakest
+    /// precondition, not the marking where it was found.
+    /// @return its number
+    std::uint32_t apprendre(std::vector<Pas> pas);
+
+    /// Applies every known acceleration to `m` until none changes it; appends the numbers of those that did
+    /// to `appliquees`.
+    void appliquer(Marquage& m, std::vector<std::uint32_t>& appliquees) const;
+
+private:
+    bool applicable(const Acceleration& a, const Marquage& m) const;
+    void suivre(const Pas& p);
+    void exiger(std::uint32_t place, Compte besoin);
+    void ajouter(std::uint32_t place, Compte effet);
+    void toucher(std::uint32_t place);
+
+    const Net& net_;
+    std::vector<Acceleration> liste_;
+    std::vector<std::uint32_t> actives_;  // those not subsumed by another one
+    // Working state of `apprendre`, by place; clean between calls.
+    std::vector<Large> pre_;
+    std::vector<Large> effet_;
+    std::vector<char> touchee_;
+    std::vector<std::uint32_t> touchees_;
+};
+
+/// Fires one acceleration: its pumped places become OMEGA.
+void pomper(const Acceleration& a, Marquage& m);
+
+}  // namespace Reseau

@@ -1,0 +1,194 @@
+#include "Reseau/Certificat.h"
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace Reseau {
+
+namespace {
+
+std::string decimal(Large n) {
+    if (n < 0) return "-" + decimal(-n);
+    if (n >= 10) return decimal(n / 10) + static_cast<char>('0' + static_cast<int>(n % 10));
+    return std::string(1, static_cast<char>('0' + static_cast<int>(n)));
+}
+
+class Redacteur {
+public:
+    Redacteur(std::ostream& out, const Net& net, const Partie& partie, const Resolution& resolution)
+        : out_(out), net_(net), partie_(partie), resolution_(resolution) {}
+
+    void rediger(bool verdictSeul);
+
+private:
+    const std::string& place(std::uint32_t p) const { return net_.places[partie_.places[p]]; }
+    const std::string& transition(std::uint32_t t) const { return net_.transitions[partie_.transitions[t]].nom; }
+
+    void marquage(const Creux& v);
+    void pas(const std::vector<Pas>& run);
+    void course(const Course& run);
+    void accelerations(const std::vector<Pas>& run);
+    void atteinte(std::uint32_t p);
+    void ensemble();
+    void nonBornee();
+    void arbre(const Majoration& majoration);
+
+    std::ostream& out_;
+    const Net& net_;
+    const Partie& partie_;
+    const Resolution& resolution_;
+    std::set<std::uint32_t> ecrites_;  // accelerations
+};
+
+void Redacteur::marquage(const Creux& v) {
+    for (const Poids& p : v) {
+        out_ << ' ' << place(p.place) << '*';
+        if (p.compte == OMEGA)
+            out_ << 'w';
+        else
+            out_ << p.compte;
+    }
+}
+
+void Redacteur::pas(const std::vector<Pas>& run) {
+    for (const Pas& p : run) {
+        if (p.genre == Pas::POMPE)
+            out_ << " *" << p.numero;
+        else
+            out_ << ' ' << transition(p.numero);
+    }
+}
+
+void Redacteur::course(const Course& run) {
+    for (const Bloc& b : run) {
+        out_ << " (";
+        for (std::size_t i = 0; i < b.elans.size(); ++i)
+            out_ << (i == 0 ? "" : " ") << transition(b.elans[i].transition) << '*' << b.elans[i].fois;
+        out_ << ")*" << b.fois;
+    }
+}
+
+/// Writes the accelerations that a run uses, each after those that it uses itself.
+void Redacteur::accelerations(const std::vector<Pas>& run) {
+    for (const Pas& p : run) {
+        if (p.genre != Pas::POMPE || !ecrites_.insert(p.numero).second) continue;
+        const Acceleration& a = resolution_.couverture.accelerations()[p.numero];
+        accelerations(a.pas);
+        out_ << "omega " << p.numero << " raises";
+        for (const std::uint32_t q : a.pompes) out_ << ' ' << place(q);
+        out_ << " needs";
+        marquage(a.pre);
+        out_ << " by";
+        pas(a.pas);
+        out_ << '\n';
+    }
+}
+
+void Redacteur::ensemble() {
+    for (const std::uint32_t n : resolution_.couverture.maximaux()) {
+        out_ << "set";
+        marquage(resolution_.couverture.marquage(n));
+        out_ << '\n';
+    }
+}
+
+void Redacteur::nonBornee() {
+    out_ << "unbounded stem";
+    pas(resolution_.couverture.tige());
+    out_ << " cycle";
+    pas(resolution_.couverture.accelerations()[0].pas);
+    out_ << '\n';
+}
+
+void Redacteur::atteinte(std::uint32_t p) {
+    const Compte borne = resolution_.borne(p);
+    const bool parCourse = resolution_.parCourse(p);
+    const std::vector<Pas> chemin =
+        parCourse ? std::vector<Pas>() : resolution_.couverture.chemin(resolution_.couverture.temoin(p));
+    accelerations(chemin);
+    out_ << "bound " << place(p) << ' ';
+    if (borne == OMEGA)
+        out_ << 'w';
+    else
+        out_ << borne;
+    out_ << " by";
+    if (parCourse)
+        course(resolution_.tireur.course(p));
+    else
+        pas(chemin);
+    out_ << '\n';
+}
+
+void Redacteur::arbre(const Majoration& majoration) {
+    out_ << "most " << decimal(majoration.borne) << " by cases\n";
+    const auto places = static_cast<std::uint32_t>(partie_.places.size());
+    for (const Cas& cas : majoration.preuve) {
+        switch (cas.genre) {
+            case Cas::SEUIL:
+                out_ << "threshold " << transition(cas.transition) << ' ' << cas.seuil;
+                break;
+            case Cas::ENTREE:
+                out_ << "entry";
+                for (const std::uint32_t p : cas.places) out_ << ' ' << place(p);
+                break;
+            case Cas::BORNE:
+                out_ << "close " << decimal(cas.facteur) << ' ' << decimal(cas.total);
+                for (const auto& [contrainte, y] : cas.multiplicateurs) {
+                    if (contrainte < places)
+                        out_ << ' ' << place(contrainte);
+                    else
+                        out_ << " *" << contrainte - places;
+                    out_ << '*' << decimal(y);
+                }
+                break;
+        }
+        out_ << '\n';
+    }
+}
+
+void Redacteur::rediger(bool verdictSeul) {
+    out_ << "part";
+    for (const std::uint32_t p : partie_.places) out_ << ' ' << net_.places[p];
+    out_ << "\nfires";
+    for (const std::uint32_t t : partie_.transitions) out_ << ' ' << net_.transitions[t].nom;
+    out_ << '\n';
+    if (!resolution_.bornee()) nonBornee();
+    if (verdictSeul && !resolution_.bornee()) return;
+    const bool complete = resolution_.couverture.complete();
+    if (complete) ensemble();
+    if (verdictSeul) {
+        out_ << "total\n";
+        if (complete)
+            out_ << "most by set\n";
+        else
+            arbre(*resolution_.ensemble);
+        return;
+    }
+    for (std::uint32_t p = 0; p < partie_.places.size(); ++p) {
+        atteinte(p);
+        if (resolution_.borne(p) == OMEGA) continue;
+        if (complete)
+            out_ << "most by set\n";
+        else
+            arbre(*resolution_.majorations[p]);
+    }
+}
+
+}  // namespace
+
+void certifierMortes(std::ostream& out, const Net& net) {
+    const std::vector<bool> mortes = transitionsMortes(net);
+    out << "dead";
+    for (std::size_t t = 0; t < mortes.size(); ++t)
+        if (mortes[t]) out << ' ' << net.transitions[t].nom;
+    out << '\n';
+}
+
+void certifier(std::ostream& out, const Net& net, const Partie& partie, const Resolution& resolution,
+               bool verdictSeul) {
+    Redacteur(out, net, partie, resolution).rediger(verdictSeul);
+}
+
+}  // namespace Reseau

@@ -1,0 +1,49 @@
+// Says why an answer is right, in a form that a program which knows nothing of this one can check with sums of
+// integers.
+//
+// The lines of a certificate, words separated by blanks; `a*3` is three tokens in a, or a with the coefficient 3:
+//
+//     dead TRANSITION...            never fired: each needs a place that M0 and the other transitions never mark, or
+//     more
+//                                   of a constant place than it holds
+//     part PLACE...                 a set of places; transitions not dead that change one of them need none of other
+//     parts fires TRANSITION...           the transitions of the part, without duplicates; they are x0, x1, ... in the
+//     proofs omega N raises PLACE... needs PLACE*COUNT... by RUN
+//                                   repeating RUN from any marking that holds the needs raises the places beyond all
+//                                   bounds
+//     set PLACE*COUNT...            one marking of the part's coverability set; together they cover M0 and each of
+//     their
+//                                   successors
+//     unbounded stem RUN cycle RUN  the cycle can be fired after the stem, takes nothing and adds something
+//     bound PLACE COUNT by RUN      the run ends with that many tokens in the place, "w" for unbounded
+//     total                         what follows bounds the sum of the part's places
+//     most by set                   no marking of the set holds more
+//     most COUNT by cases           no solution of the state equation holds more; the tree of cases follows in prefix
+//     notation threshold TRANSITION K        case one, fired at most K times; case two, at least K + 1 times entry
+//     PLACE...                case one, the places, empty at the start, are never marked: what needs one of them is not
+//                                   fired; case two, what puts into them without needing one of them is fired
+//     close F TOTAL PLACE*Y... *I*Y...
+//                                   F times the bounded sum, plus Y times each place, plus Y times the I-th constraint
+//                                   in force
+//                                   ("*I"), is at most TOTAL at M0 and raised by no transition
+//
+// A RUN is a list of TRANSITION, (TRANSITION*TIMES...)*TIMES, and *N for the acceleration "omega N". Constraints in
+// force are numbered from 0 in the order in which the cases above introduced them: K - x, x - K - 1, -x for each
+// transition not fired in the order of "fires", and the sum of the entering transitions - 1; each is non-negative.
+#pragma once
+
+#include <ostream>
+
+#include "Reseau/Net.h"
+#include "Reseau/Parties.h"
+#include "Reseau/Resolution.h"
+
+namespace Reseau {
+
+/// Writes the "dead" line: the transitions that no run fires.
+void certifierMortes(std::ostream& out, const Net& net);
+
+/// Writes the certificate of one part that has been taken to its end.
+void certifier(std::ostream& out, const Net& net, const Partie& partie, const Resolution& resolution, bool verdictSeul);
+
+}  // namespace Reseau

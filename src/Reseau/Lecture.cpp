@@ -1,0 +1,181 @@
+// The net format is read line by line: a line is cut into words, its first word says what it declares.
+// Nothing is guessed: what is not understood is an error with its line.
+#include "Reseau/Lecture.h"
+
+#include <charconv>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+namespace Reseau {
+
+namespace {
+
+class Lecteur {
+public:
+    explicit Lecteur(std::string source) : source_(std::move(source)) {}
+
+    void lireLigne(std::string_view ligne);
+    Net finir() { return std::move(net_); }
+
+private:
+    [[noreturn]] void erreur(const std::string& quoi) const {
+        throw ErreurDeLecture(source_ + ":" + std::to_string(numero_) + ": " + quoi);
+    }
+
+    std::vector<std::string_view> mots(std::string_view ligne) const;
+    std::size_t finDuNom(std::string_view mot) const;
+    Compte nombre(std::string_view chiffres, const char* quoi) const;
+    std::uint32_t place(std::string_view nom);
+    Poids arc(std::string_view mot);
+
+    void lireNet(const std::vector<std::string_view>& m);
+    void lireTransition(const std::vector<std::string_view>& m);
+    void lirePlace(const std::vector<std::string_view>& m);
+
+    std::string source_;
+    std::size_t numero_ = 0;
+    Net net_;
+    bool nomme_ = false;
+    std::unordered_map<std::string, std::uint32_t> numeros_;
+    std::unordered_set<std::string> transitions_;
+    std::unordered_set<std::uint32_t> declarees_;
+};
+
+bool estBlanc(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\v' || c == '\f'; }
+
+/// Words end at a blank outside braces. "(5)" may stand against the name before it or apart, so a "(" begins
+/// a word.
+std::vector<std::string_view> Lecteur::mots(std::string_view ligne) const {
+    std::vector<std::string_view> resultat;
+    std::size_t i = 0;
+    while (i < ligne.size()) {
+        if (estBlanc(ligne[i])) {
+            ++i;
+            continue;
+        }
+        if (ligne[i] == '#') break;
+        const std::size_t debut = i;
+        if (ligne[i] == '{') {
+            i = ligne.find('}', i);
+            if (i == std::string_view::npos) erreur("a name in braces does not end");
+            ++i;
+        }
+        if (i < ligne.size() && ligne[i] == '(' && i == debut) {
+            i = ligne.find(')', i);
+            if (i == std::string_view::npos) erreur("\")\" expected");
+            ++i;
+        } else {
+            while (i < ligne.size() && !estBlanc(ligne[i]) && ligne[i] != '(') ++i;
+        }
+        resultat.push_back(ligne.substr(debut, i - debut));
+    }
+    return resultat;
+}
+
+/// The length of the name that `mot` begins with: up to a "*", or the closing brace.
+std::size_t Lecteur::finDuNom(std::string_view mot) const {
+    if (mot.starts_with('{')) return mot.find('}') + 1;
+    const std::size_t fin = mot.find_first_of("*()");
+    return fin == std::string_view::npos ? mot.size() : fin;
+}
+
+Compte Lecteur::nombre(std::string_view chiffres, const char* quoi) const {
+    Compte n = 0;
+    const char* fin = chiffres.data() + chiffres.size();
+    const auto [arret, code] = std::from_chars(chiffres.data(), fin, n);
+    if (chiffres.empty() || chiffres[0] == '-' || arret != fin || code == std::errc::invalid_argument)
+        erreur(std::string(quoi) + " expected, not \"" + std::string(chiffres) + "\"");
+    if (code == std::errc::result_out_of_range || n == OMEGA)
+        erreur(std::string(quoi) + " does not fit in 64 bits, \"" + std::string(chiffres) + "\"");
+    return n;
+}
+
+std::uint32_t Lecteur::place(std::string_view nom) {
+    const auto [i, neuve] = numeros_.try_emplace(std::string(nom), static_cast<std::uint32_t>(net_.places.size()));
+    if (neuve) {
+        net_.places.emplace_back(nom);
+        net_.initial.push_back(0);
+    }
+    return i->second;
+}
+
+Poids Lecteur::arc(std::string_view mot) {
+    const std::size_t fin = finDuNom(mot);
+    if (fin == 0) erreur("a place name expected, not \"" + std::string(mot) + "\"");
+    Compte poids = 1;
+    if (fin < mot.size()) {
+        if (mot[fin] != '*') erreur("\"*\" or a blank expected after the place of \"" + std::string(mot) + "\"");
+        poids = nombre(mot.substr(fin + 1), "a weight");
+    }
+    return {place(mot.substr(0, fin)), poids};
+}
+
+void Lecteur::lireNet(const std::vector<std::string_view>& m) {
+    if (nomme_) erreur("the net already has a name");
+    if (m.size() > 2) erreur("one name expected after \"net\"");
+    nomme_ = true;
+    if (m.size() == 2) net_.nom = m[1];
+}
+
+void Lecteur::lireTransition(const std::vector<std::string_view>& m) {
+    if (m.size() < 2 || m[1] == "->" || finDuNom(m[1]) != m[1].size())
+        erreur("a transition name expected after \"tr\"");
+    if (!transitions_.insert(std::string(m[1])).second)
+        erreur("the transition \"" + std::string(m[1]) + "\" is declared twice");
+    Creux cotes[2];
+    int cote = 0;
+    for (std::size_t i = 2; i < m.size(); ++i) {
+        if (m[i] != "->")
+            cotes[cote].push_back(arc(m[i]));
+        else if (++cote > 1)
+            erreur("a second \"->\"");
+    }
+    if (cote == 0) erreur("\"->\" expected");
+    try {
+        net_.ajouter(std::string(m[1]), std::move(cotes[0]), std::move(cotes[1]));
+    } catch (const Debordement&) {
+        erreur("the weights of one place do not fit in 64 bits together");
+    }
+}
+
+void Lecteur::lirePlace(const std::vector<std::string_view>& m) {
+    if (m.size() < 2 || m[1][0] == '(' || finDuNom(m[1]) != m[1].size()) erreur("a place name expected after \"pl\"");
+    const std::uint32_t p = place(m[1]);
+    if (!declarees_.insert(p).second) erreur("the place \"" + std::string(m[1]) + "\" is declared twice");
+    if (m.size() == 2) return;
+    const std::string_view jetons = m[2];
+    if (m.size() > 3 || !jetons.starts_with('(') || !jetons.ends_with(')'))
+        erreur("\"(TOKENS)\" expected after the place");
+    std::string_view dedans = jetons.substr(1, jetons.size() - 2);
+    while (!dedans.empty() && estBlanc(dedans.front())) dedans.remove_prefix(1);
+    while (!dedans.empty() && estBlanc(dedans.back())) dedans.remove_suffix(1);
+    net_.initial[p] = nombre(dedans, "a token count");
+}
+
+void Lecteur::lireLigne(std::string_view ligne) {
+    ++numero_;
+    const std::vector<std::string_view> m = mots(ligne);
+    if (m.empty()) return;
+    if (m[0] == "net")
+        lireNet(m);
+    else if (m[0] == "tr")
+        lireTransition(m);
+    else if (m[0] == "pl")
+        lirePlace(m);
+    else
+        erreur("\"net\", \"tr\" or \"pl\" expected, not \"" + std::string(m[0]) + "\"");
+}
+
+}  // namespace
+
+Net lire(std::istream& in, const std::string& source) {
+    Lecteur lecteur(source);
+    for (std::string ligne; std::getline(in, ligne);) lecteur.lireLigne(ligne);
+    if (in.bad()) throw ErreurDeLecture(source + ": cannot be read");
+    return lecteur.finir();
+}
+
+}  // namespace Reseau

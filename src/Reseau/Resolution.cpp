@@ -1,0 +1,83 @@
+#include "Reseau/Resolution.h"
+
+#include <algorithm>
+#include <limits>
+#include <numeric>
+#include <utility>
+
+#include "Reseau/Conservation.h"
+
+namespace Reseau {
+
+namespace {
+
+constexpr std::uint64_t SANS_LIMITE = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t MINIMUM =
+    100;  // markings expanded in the first exploration, as far as the next ones depend on it
+constexpr unsigned EFFORTS = 3;
+constexpr std::uint64_t QUESTIONS = 8;  // that may use up all their effort before the exploration has its turn
+constexpr Large TOUT = static_cast<Large>(1) << 126;  // any finite bound is good enough
+
+}  // namespace
+
+void Resolution::essayer(const Options& options) {
+    majorations.resize(net_.places.size());
+    if (sommeConstante(net_)) couverture.declarerIncomparables();
+    fini_ = couverture.explorer(options.essai, options.verdictSeul);
+}
+
+void Resolution::finir(const Options& options) {
+    if (fini_) return;
+    if (!couverture.nonBornee() && conservatif(net_)) couverture.declarerIncomparables();
+    if (Majorants::possible(net_)) {
+        Majorants majorants(net_);
+        for (unsigned effort = 0; effort < EFFORTS; ++effort) {
+            if (options.verdictSeul ? majorerEnsemble(majorants, effort) : majorer(majorants, effort)) return;
+            const std::uint64_t plus = std::max(options.essai, MINIMUM) << (3 * (effort + 1));
+            if (couverture.explorer(plus, options.verdictSeul)) return;
+        }
+    }
+    couverture.explorer(SANS_LIMITE, options.verdictSeul);
+}
+
+/// @return whether all places together are bounded
+bool Resolution::majorerEnsemble(Majorants& majorants, unsigned effort) {
+    std::vector<std::uint32_t> places(net_.places.size());
+    std::iota(places.begin(), places.end(), 0U);
+    std::uint64_t depense = 0;
+    ensemble = majorants.majorer(places, TOUT, nullptr, effort, depense);
+    return ensemble.has_value();
+}
+
+/// Bounds the places that are not settled yet.
+/// @return whether every place is settled now; what is not is left to the exploration
+bool Resolution::majorer(Majorants& majorants, unsigned effort) {
+    std::vector<Compte> buts(net_.places.size(), OMEGA);
+    std::uint64_t depense = 0;
+    tireur.accorder(QUESTIONS * Majorants::travail(effort) / 2);
+    for (std::uint32_t p = 0; p < net_.places.size(); ++p) {
+        if (couverture.maxima()[p] == OMEGA || (majorations[p] && majorations[p]->borne == borne(p))) continue;
+        if (depense > QUESTIONS * Majorants::travail(effort)) break;
+        std::optional<Majoration> neuve = majorants.majorer({p}, borne(p), &tireur, effort, depense);
+        if (neuve && (!majorations[p] || neuve->borne < majorations[p]->borne)) majorations[p] = std::move(neuve);
+    }
+    for (std::uint32_t p = 0; p < net_.places.size(); ++p) {
+        if (!majorations[p] || majorations[p]->borne >= OMEGA) continue;
+        buts[p] = static_cast<Compte>(majorations[p]->borne);
+        if (borne(p) == buts[p]) buts[p] = 0;
+    }
+    couverture.viser(std::move(buts));
+    return couverture.explorer(0, false);
+}
+
+Compte Resolution::borne(std::uint32_t place) const {
+    return std::max(couverture.maxima()[place], tireur.minorants()[place]);
+}
+
+bool Resolution::parCourse(std::uint32_t place) const { return tireur.minorants()[place] > couverture.maxima()[place]; }
+
+Creux Resolution::temoin(std::uint32_t place) const {
+    return parCourse(place) ? tireur.arrivee(tireur.course(place)) : couverture.marquage(couverture.temoin(place));
+}
+
+}  // namespace Reseau

@@ -1,0 +1,135 @@
+// Every answer comes with a proof that stands on its own; and the checker of the proofs is no rubber stamp.
+#include <gtest/gtest.h>
+
+#include <set>
+#include <sstream>
+#include <string>
+
+#include "Outils.h"
+#include "Reseau/Ecriture.h"
+#include "Reseau/Lecture.h"
+#include "Reseau/Reseau.h"
+#include "Verificateur.h"
+#include "reseau_familles.h"
+
+namespace familles {
+
+void PrintTo(const Famille& famille, std::ostream* out) { *out << famille.nom; }
+
+}  // namespace familles
+
+namespace {
+
+std::string rapport(const std::string& net, const Reseau::Options& options) {
+    std::istringstream texte(net);
+    const Reseau::Net lu = Reseau::lire(texte, "essai");
+    std::ostringstream out;
+    Reseau::ecrire(out, lu, Reseau::analyser(lu, options));
+    return out.str();
+}
+
+void certifie(const std::string& net) {
+    for (const std::uint64_t essai : {std::uint64_t{1000}, std::uint64_t{0}})
+        for (const bool verdictSeul : {false, true}) {
+            const std::string r = rapport(net, {.verdictSeul = verdictSeul, .preuves = true, .essai = essai});
+            ASSERT_EQ(essai::verifier(net, r, verdictSeul), "") << net << r;
+        }
+}
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr int NETS = 300;
+#else
+constexpr int NETS = 2500;
+#endif
+
+class CertificatsAuHasard : public testing::TestWithParam<int> {};
+
+TEST_P(CertificatsAuHasard, EveryAnswerIsProved) {
+    essai::Hasard h(static_cast<std::uint64_t>(GetParam()) + 77);
+    for (int i = 0; i < NETS && !HasFatalFailure(); ++i) {
+        certifie(essai::netAuHasard(h).texte());
+        certifie(essai::netDeReseauAuHasard(h).texte());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Tranches, CertificatsAuHasard, testing::Range(0, 4));
+
+/// The net in the analyser's format.
+std::string texte(const Reseau::Net& net) {
+    std::ostringstream out;
+    const auto cote = [&](const Reseau::Creux& v) {
+        for (const Reseau::Poids& p : v) out << ' ' << net.places[p.place] << '*' << p.compte;
+    };
+    for (const Reseau::Transition& t : net.transitions) {
+        out << "tr " << t.nom;
+        cote(t.pre);
+        out << " ->";
+        cote(t.post);
+        out << '\n';
+    }
+    for (std::size_t p = 0; p < net.places.size(); ++p)
+        out << "pl " << net.places[p] << " (" << net.initial[p] << ")\n";
+    return out.str();
+}
+
+class CertificatsDesFamilles : public testing::TestWithParam<familles::Famille> {};
+
+/// The nets of the benchmark, as far as the checker, which compares all pairs of a coverability set, is done in time.
+TEST_P(CertificatsDesFamilles, EveryAnswerOfTheBenchmarkIsProved) {
+    const std::set<std::string> grands{"mutual exclusion 10",
+                                       "mutual exclusion 100",
+                                       "mesh 10",
+                                       "buffers 1000",
+                                       "n-bit counter 12",
+                                       "random 55",
+                                       "random 95",
+                                       "model 50",
+                                       "model 100"};
+    for (const int n : GetParam().parametres) {
+        if (grands.contains(GetParam().nom + " " + std::to_string(n))) continue;
+        const std::string net = texte(GetParam().net(n));
+        for (const bool verdictSeul : {false, true}) {
+            const std::string r = rapport(net, {.verdictSeul = verdictSeul, .preuves = true});
+            ASSERT_EQ(essai::verifier(net, r, verdictSeul), "") << GetParam().nom << ' ' << n;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Toutes, CertificatsDesFamilles, testing::ValuesIn(familles::toutes()));
+
+const std::string NET =
+    "net n\ntr i q0 -> q1 ma*21\ntr t q1 ma*2 -> q1 mb*3\ntr u q1 mb*2 -> q2 mc\ntr v q2 -> q1\ntr w q3 mc -> q3 md\n"
+    "tr x e -> e f\npl e (1)\npl q0 (1)\npl alone (5)\n";
+
+/// The report of NET with the first `avant` replaced by `apres`.
+std::string fausse(const std::string& avant, const std::string& apres, const Reseau::Options& options) {
+    std::string r = rapport(NET, options);
+    const std::size_t ou = r.find(avant);
+    EXPECT_NE(ou, std::string::npos) << avant << " is not in\n" << r;
+    return ou == std::string::npos ? r : r.replace(ou, avant.size(), apres);
+}
+
+TEST(Certificat, TheCheckerAcceptsWhatIsTrueAndRejectsEveryFalsifiedLine) {
+    const Reseau::Options parEquation{.preuves = true, .essai = 0};
+    const Reseau::Options parEnsemble{.preuves = true, .essai = 100000};
+    for (const Reseau::Options& o : {parEquation, parEnsemble}) {
+        EXPECT_EQ(essai::verifier(NET, rapport(NET, o), false), "") << rapport(NET, o);
+        EXPECT_NE(essai::verifier(NET, fausse("the net is not bounded", "the net is bounded", o), false), "");
+        EXPECT_NE(essai::verifier(NET, fausse("dead w", "dead w u", o), false), "");
+        EXPECT_NE(essai::verifier(NET, fausse("dead w", "dead", o), false), "");
+        EXPECT_NE(essai::verifier(NET, fausse("bound mb 30", "bound mb 31", o), false), "");
+        EXPECT_NE(essai::verifier(NET, fausse("bound mb 30", "bound mb 27", o), false), "");
+        EXPECT_NE(essai::verifier(NET, fausse("mb*30", "mb*31", o), false), "");
+        EXPECT_NE(essai::verifier(NET, fausse("bound f w", "bound f 3", o), false), "");
+        EXPECT_NE(essai::verifier(NET, fausse("cycle x", "cycle", o), false), "");
+        EXPECT_NE(essai::verifier(NET, fausse("raises f", "raises e", o), false), "");
+        EXPECT_NE(essai::verifier(NET, fausse("alone*5", "alone*6", o), false), "");
+        EXPECT_NE(essai::verifier(NET, fausse("fires i t u v", "fires i t u", o), false), "");
+    }
+    EXPECT_NE(essai::verifier(NET, fausse("close 1 1 ", "close 1 0 ", parEquation), false), "");
+    EXPECT_NE(essai::verifier(NET, fausse("threshold t 10", "threshold t 8", parEquation), false), "");
+    EXPECT_NE(essai::verifier(NET, fausse("set q1*1 ma*21", "set q1*1 ma*20", parEnsemble), false), "");
+    EXPECT_NE(essai::verifier(NET, fausse("set q1*1 ma*1 mb*30\n", "", parEnsemble), false), "");
+}
+
+}  // namespace

@@ -1,0 +1,97 @@
+// The analyser against decisions that share nothing with it: forward search where the reachable markings are
+// few, the backward algorithm for everything else. A finite bound b is right when b is coverable and b + 1 is
+// not; an unbounded place must reach a count that the small nets here do not reach by accident.
+//
+// 100,000 nets in all, each analysed in four ways. Each test takes a slice of them, so that each ends within seconds.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "Outils.h"
+#include "Reseau/Lecture.h"
+#include "Reseau/Reseau.h"
+
+namespace {
+
+using essai::Hasard;
+
+struct Bilan {
+    int verifies = 0;
+    int bornes = 0;
+    int places = 0;
+    int indecis = 0;
+};
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr int NETS = 250;  // the same nets under the sanitizers, but an eighth of them
+#else
+constexpr int NETS = 2000;
+#endif
+constexpr int BEAUCOUP = 12;
+constexpr std::size_t RECHERCHE = 1000;
+constexpr std::size_t BASE = 300;
+
+/// Checks one bound by coverability; counts it as undecided when the backward basis grows too large.
+void verifierBorne(const essai::Net& net, int place, Reseau::Compte borne, Bilan& bilan) {
+    const bool infinie = borne == Reseau::OMEGA;
+    const auto atteinte = essai::atteint(net, place, infinie ? BEAUCOUP : static_cast<int>(borne), BASE);
+    const auto depassee =
+        infinie ? std::optional<bool>(false) : essai::atteint(net, place, static_cast<int>(borne) + 1, BASE);
+    if (!atteinte || !depassee) {
+        ++bilan.indecis;
+        return;
+    }
+    EXPECT_TRUE(*atteinte) << "place p" << place << " does not reach " << borne << " in\n" << net.texte();
+    EXPECT_FALSE(*depassee) << "place p" << place << " exceeds " << borne << " in\n" << net.texte();
+}
+
+void verifier(const essai::Net& net, Bilan& bilan) {
+    std::istringstream texte(net.texte());
+    const Reseau::Net lu = Reseau::lire(texte, "essai");
+    const Reseau::Rapport rapport = Reseau::analyser(lu, {});
+    const bool bornee = Reseau::analyser(lu, {.verdictSeul = true}).bornee;
+    const Reseau::Rapport autrement = Reseau::analyser(lu, {.essai = 0});
+    ++bilan.verifies;
+    bilan.places += net.places;
+    bilan.bornes += rapport.bornee;
+    ASSERT_EQ(rapport.bornee, bornee) << net.texte();
+    ASSERT_EQ(Reseau::analyser(lu, {.verdictSeul = true, .essai = 0}).bornee, bornee) << net.texte();
+    ASSERT_EQ(rapport.bornes, autrement.bornes) << net.texte();
+
+    std::vector<Reseau::Compte> bornes(static_cast<std::size_t>(net.places), 0);
+    for (std::size_t p = 0; p < lu.places.size(); ++p)
+        bornes[static_cast<std::size_t>(std::stoi(lu.places[p].substr(1)))] = rapport.bornes[p];
+    ASSERT_EQ(rapport.bornee, std::ranges::find(bornes, Reseau::OMEGA) == bornes.end()) << net.texte();
+
+    if (const auto maxima = essai::maximaParRecherche(net, RECHERCHE)) {
+        ASSERT_EQ(bornes, std::vector<Reseau::Compte>(maxima->begin(), maxima->end())) << net.texte();
+        return;
+    }
+    for (int p = 0; p < net.places; ++p) verifierBorne(net, p, bornes[static_cast<std::size_t>(p)], bilan);
+}
+
+template <class Fabrique>
+void verifierTranche(int tranche, Fabrique&& fabrique) {
+    Hasard h(static_cast<std::uint64_t>(tranche));
+    Bilan bilan;
+    for (int i = 0; i < NETS && !testing::Test::HasFailure(); ++i) verifier(fabrique(h), bilan);
+    EXPECT_EQ(bilan.verifies, NETS);
+    EXPECT_GT(bilan.bornes, NETS / 4) << "too few bounded nets to say anything";
+    EXPECT_LT(bilan.bornes, NETS - NETS / 20) << "too few unbounded nets to say anything";
+    EXPECT_LT(bilan.indecis, bilan.places / 100) << "too many bounds left unchecked";
+}
+
+class NetsAuHasard : public testing::TestWithParam<int> {};
+
+TEST_P(NetsAuHasard, BoundsOfGeneralNetsAreThoseOfSearchAndBackwardCoverability) {
+    verifierTranche(GetParam(), essai::netAuHasard);
+}
+
+TEST_P(NetsAuHasard, BoundsOfNetsWithAControlTokenAreThoseOfSearchAndBackwardCoverability) {
+    verifierTranche(GetParam() + 1000, essai::netDeReseauAuHasard);
+}
+
+INSTANTIATE_TEST_SUITE_P(Tranches, NetsAuHasard, testing::Range(0, 25));
+
+}  // namespace

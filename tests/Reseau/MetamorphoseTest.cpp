@@ -1,0 +1,165 @@
+// What changes a net's text without changing, or in a known way, what the net can do must leave the bounds, or change
+// them in that way: names, the order of the lines, a transition that cannot be fired, a place that never matters, a
+// common factor.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "Outils.h"
+#include "Reseau/Lecture.h"
+#include "Reseau/Reseau.h"
+
+namespace {
+
+using Bornes = std::map<std::string, Reseau::Compte>;
+
+Bornes bornes(const std::string& texte) {
+    std::istringstream in(texte);
+    const Reseau::Net net = Reseau::lire(in, "essai");
+    const Reseau::Rapport rapport = Reseau::analyser(net, {});
+    const bool bornee = Reseau::analyser(net, {.verdictSeul = true}).bornee;
+    Bornes resultat;
+    for (std::size_t p = 0; p < net.places.size(); ++p) resultat[net.places[p]] = rapport.bornes[p];
+    const bool finies = std::ranges::none_of(resultat, [](const auto& b) { return b.second == Reseau::OMEGA; });
+    EXPECT_EQ(bornee, finies) << texte;
+    return resultat;
+}
+
+class Metamorphoses : public testing::Test {
+protected:
+    /// Calls f with a random net, of either kind in turn, until it has failed or 1000 are done.
+    template <class F>
+    void pourChaqueNet(F&& f) {
+        essai::Hasard h(4242);
+        for (int i = 0; i < 1000 && !HasFailure(); ++i) {
+            const essai::Net net = i % 2 == 0 ? essai::netAuHasard(h) : essai::netDeReseauAuHasard(h);
+            f(net, h);
+        }
+    }
+};
+
+TEST_F(Metamorphoses, OtherNamesGiveTheSameBounds) {
+    pourChaqueNet([](const essai::Net& net, essai::Hasard&) {
+        std::string texte = net.texte();
+        for (std::size_t ou = 0; (ou = texte.find('p', ou)) != std::string::npos; ++ou)
+            if (texte[ou + 1] != 'l') texte.replace(ou, 1, "z.");
+        const Bornes autres = bornes(texte);
+        for (const auto& [place, borne] : bornes(net.texte()))
+            ASSERT_EQ(autres.at("z." + place.substr(1)), borne) << texte;
+    });
+}
+
+TEST_F(Metamorphoses, LinesInAnotherOrderGiveTheSameBounds) {
+    pourChaqueNet([](const essai::Net& net, essai::Hasard& h) {
+        std::vector<std::string> lignes;
+        std::istringstream in(net.texte());
+        for (std::string ligne; std::getline(in, ligne);) lignes.push_back(ligne + "\n");
+        std::ranges::shuffle(lignes, h);
+        std::string melange;
+        for (const std::string& ligne : lignes) melange += ligne;
+        ASSERT_EQ(bornes(melange), bornes(net.texte())) << melange;
+    });
+}
+
+TEST_F(Metamorphoses, ADeadTransitionChangesNothing) {
+    pourChaqueNet([](const essai::Net& net, essai::Hasard& h) {
+        Bornes attendues = bornes(net.texte());
+        attendues["jamais"] = 0;
+        const std::string morte = "tr morte jamais -> p" + std::to_string(essai::tirer(h, net.places)) + "*3 jamais\n";
+        ASSERT_EQ(bornes(net.texte() + morte), attendues) << net.texte() << morte;
+    });
+}
+
+TEST_F(Metamorphoses, APlaceThatFollowsAnotherWithTokensToSpareChangesNothing) {
+    pourChaqueNet([](const essai::Net& net, essai::Hasard& h) {
+        const auto modele = static_cast<std::size_t>(essai::tirer(h, net.places));
+        const int enPlus = essai::tirer(h, 4);
+        essai::Net avec = net;
+        ++avec.places;
+        avec.initial.push_back(net.initial[modele] + enPlus);
+        for (auto& t : avec.transitions) {
+            t.pre.push_back(t.pre[modele]);
+            t.post.push_back(t.post[modele]);
+        }
+        Bornes attendues = bornes(net.texte());
+        const Reseau::Compte borne = attendues.at("p" + std::to_string(modele));
+        attendues["p" + std::to_string(net.places)] = borne == Reseau::OMEGA ? borne : borne + enPlus;
+        ASSERT_EQ(bornes(avec.texte()), attendues) << avec.texte();
+    });
+}
+
+TEST_F(Metamorphoses, ACommonFactorMultipliesTheBounds) {
+    pourChaqueNet([](const essai::Net& net, essai::Hasard& h) {
+        const int k = 2 + essai::tirer(h, 1000);
+        essai::Net grand = net;
+        for (int& n : grand.initial) n *= k;
+        for (auto& t : grand.transitions) {
+            for (int& n : t.pre) n *= k;
+            for (int& n : t.post) n *= k;
+        }
+        Bornes attendues = bornes(net.texte());
+        for (auto& [place, borne] : attendues)
+            if (borne != Reseau::OMEGA) borne *= k;
+        ASSERT_EQ(bornes(grand.texte()), attendues) << grand.texte();
+    });
+}
+
+TEST(GrandsNets, TenThousandPlacesOfWhichMostNeverMatter) {
+    std::ostringstream net;
+    for (int i = 0; i < 10000; ++i) net << "pl p" << i << " (" << i % 3 << ")\n";
+    for (int i = 0; i + 1 < 10000; i += 100) net << "tr t" << i << " p" << i << " -> p" << i + 1 << "*2\n";
+    const Bornes b = bornes(net.str());
+    ASSERT_EQ(b.size(), 10000U);
+    EXPECT_EQ(b.at("p9999"), 0);
+    EXPECT_EQ(b.at("p9998"), 2);
+    EXPECT_EQ(b.at("p100"), 1);
+    EXPECT_EQ(b.at("p101"), 2 + 2 * 1);
+}
+
+TEST(GrandsNets, ARingOfTenThousandPlaces) {
+    std::ostringstream net;
+    for (int i = 0; i < 10000; ++i) net << "tr t" << i << " p" << i << " -> p" << (i + 1) % 10000 << '\n';
+    net << "pl p0 (1)\n";
+    for (const auto& [place, borne] : bornes(net.str())) ASSERT_EQ(borne, 1) << place;
+}
+
+/// A chain of ten rules with weights 1 to 3, as one node with ten loops: each molecule's bound is what the rules before
+/// can make at most, floor by floor.
+TEST(GrandsComptes, AChainOfTenRulesOverABillionMoleculesIsExact) {
+    const int pris[] = {1, 2, 3, 1, 2, 3, 3, 2, 1, 3};
+    const int mis[] = {3, 1, 2, 2, 3, 1, 2, 3, 1, 2};
+    std::ostringstream net;
+    for (int i = 0; i < 10; ++i)
+        net << "tr t" << i << " q1 m" << i << '*' << pris[i] << " -> q1 m" << i + 1 << '*' << mis[i] << '\n';
+    net << "tr depart q0 -> q1 m0*1000000000\npl q0 (1)\n";
+    const Bornes b = bornes(net.str());
+    Reseau::Compte attendu = 1000000000;
+    for (int i = 0; i <= 10; ++i) {
+        EXPECT_EQ(b.at("m" + std::to_string(i)), attendu) << "m" << i;
+        if (i < 10) attendu = attendu / pris[i] * mis[i];
+    }
+}
+
+TEST(GrandsComptes, BoundsNearTheLargestCountAreExact) {
+    const Bornes b = bornes("tr t a*3 -> b*2\ntr u b -> c\npl a (1000000000000000000)\n");
+    EXPECT_EQ(b.at("a"), 1000000000000000000);
+    EXPECT_EQ(b.at("b"), 666666666666666666);
+    EXPECT_EQ(b.at("c"), 666666666666666666);
+}
+
+/// Only one of two nodes is ever visited, each with a loop of its own; the state equation alone would run both.
+TEST(GrandsComptes, LoopsOfANodeThatIsNotVisitedCountForNothing) {
+    const std::string net =
+        "tr d q0 -> q1 ma*1000000000\ntr b q1 -> q2\ntr c q1 -> q3\ntr l q2 ma -> q2 mb*2\ntr k q3 mb -> q3 mc\npl q0 "
+        "(1)\n";
+    const Bornes b = bornes(net);
+    EXPECT_EQ(b.at("ma"), 1000000000);
+    EXPECT_EQ(b.at("mb"), 2000000000);
+    EXPECT_EQ(b.at("mc"), 0);
+}
+
+}  // namespace

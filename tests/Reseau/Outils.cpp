@@ -1,0 +1,189 @@
+#include "Outils.h"
+
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+
+namespace essai {
+
+std::string Net::texte() const {
+    std::ostringstream out;
+    out << "net essai\n";
+    const auto cote = [&](const std::vector<int>& poids, std::size_t t) {
+        for (std::size_t p = 0; p < poids.size(); ++p) {
+            if (poids[p] == 1 && (p + t) % 2 == 0)
+                out << " p" << p;
+            else if (poids[p] > 0 || (p + t) % 7 == 0)
+                out << " p" << p << '*' << poids[p];
+        }
+    };
+    for (std::size_t t = 0; t < transitions.size(); ++t) {
+        out << "tr t" << t;
+        cote(transitions[t].pre, t);
+        out << " ->";
+        cote(transitions[t].post, t);
+        out << '\n';
+    }
+    for (std::size_t p = 0; p < initial.size(); ++p) out << "pl p" << p << " (" << initial[p] << ")\n";
+    return out.str();
+}
+
+Net netAuHasard(Hasard& h) {
+    Net net;
+    net.places = 1 + tirer(h, 5);
+    const auto n = static_cast<std::size_t>(net.places);
+    for (std::size_t p = 0; p < n; ++p) net.initial.push_back(tirer(h, 3) == 0 ? tirer(h, 4) : tirer(h, 2));
+    const int arcs = 1 + tirer(h, 3);
+    // Half of the nets put no more tokens than they take, or they would hardly ever be bounded.
+    const bool econome = tirer(h, 2) == 0;
+    for (int t = tirer(h, 7); t > 0; --t) {
+        Net::Transition tr{std::vector<int>(n, 0), std::vector<int>(n, 0)};
+        int pris = 0;
+        for (int a = tirer(h, arcs + 1); a > 0; --a) {
+            const int poids = tirer(h, 3) == 0 ? 1 + tirer(h, 3) : 1;
+            tr.pre[static_cast<std::size_t>(tirer(h, net.places))] += poids;
+            pris += poids;
+        }
+        for (int a = tirer(h, arcs + 1); a > 0; --a) {
+            const int poids = tirer(h, 3) == 0 ? 1 + tirer(h, 3) : 1;
+            if (econome && poids > pris) break;
+            pris -= poids;
+            tr.post[static_cast<std::size_t>(tirer(h, net.places))] += poids;
+        }
+        net.transitions.push_back(std::move(tr));
+    }
+    return net;
+}
+
+Net netDeReseauAuHasard(Hasard& h) {
+    const int noeuds = 1 + tirer(h, 3);
+    const int molecules = 1 + tirer(h, 3);
+    Net net;
+    net.places = 1 + noeuds + molecules;
+    const auto n = static_cast<std::size_t>(net.places);
+    net.initial.assign(n, 0);
+    net.initial[0] = 1;
+    const auto multiset = [&](std::vector<int>& v, int plus) {
+        for (int k = tirer(h, plus + 1); k > 0; --k)
+            v[static_cast<std::size_t>(1 + noeuds + tirer(h, molecules))] += 1 + tirer(h, 2);
+    };
+    for (int arc = tirer(h, 2 * noeuds + 2); arc > 0; --arc) {
+        Net::Transition t{std::vector<int>(n, 0), std::vector<int>(n, 0)};
+        t.pre[static_cast<std::size_t>(1 + tirer(h, noeuds))] = 1;
+        t.post[static_cast<std::size_t>(1 + tirer(h, noeuds))] = 1;
+        multiset(t.pre, 2);
+        multiset(t.post, 1 + tirer(h, 2));
+        net.transitions.push_back(std::move(t));
+    }
+    for (int initial = 1 + tirer(h, 2); initial > 0; --initial) {
+        Net::Transition t{std::vector<int>(n, 0), std::vector<int>(n, 0)};
+        t.pre[0] = 1;
+        t.post[static_cast<std::size_t>(1 + tirer(h, noeuds))] = 1;
+        multiset(t.post, 3);
+        net.transitions.push_back(std::move(t));
+    }
+    return net;
+}
+
+namespace {
+
+bool couvre(const std::vector<int>& a, const std::vector<int>& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), [](int x, int y) { return x >= y; });
+}
+
+}  // namespace
+
+std::optional<std::vector<int>> maximaParRecherche(const Net& net, std::size_t limite) {
+    std::set<std::vector<int>> vus{net.initial};
+    std::vector<std::vector<int>> aVoir{net.initial};
+    std::vector<int> maxima = net.initial;
+    while (!aVoir.empty()) {
+        const std::vector<int> m = std::move(aVoir.back());
+        aVoir.pop_back();
+        for (const Net::Transition& t : net.transitions) {
+            if (!couvre(m, t.pre)) continue;
+            std::vector<int> suivant = m;
+            for (std::size_t p = 0; p < m.size(); ++p) {
+                suivant[p] += t.post[p] - t.pre[p];
+                maxima[p] = std::max(maxima[p], suivant[p]);
+            }
+            if (!vus.insert(suivant).second) continue;
+            if (vus.size() > limite) return std::nullopt;
+            aVoir.push_back(std::move(suivant));
+        }
+    }
+    return maxima;
+}
+
+std::optional<bool> atteint(const Net& net, int place, int compte, std::size_t limite) {
+    std::vector<int> but(static_cast<std::size_t>(net.places), 0);
+    but[static_cast<std::size_t>(place)] = compte;
+    std::vector<std::vector<int>> base{but};  // minimal markings from which the goal can be reached
+    std::vector<std::vector<int>> aVoir{but};
+    while (!aVoir.empty()) {
+        const std::vector<int> m = std::move(aVoir.back());
+        aVoir.pop_back();
+        if (couvre(net.initial, m)) return true;
+        for (const Net::Transition& t : net.transitions) {
+            std::vector<int> avant = m;
+            for (std::size_t p = 0; p < m.size(); ++p) avant[p] = t.pre[p] + std::max(0, m[p] - t.post[p]);
+            if (std::ranges::any_of(base, [&](const auto& b) { return couvre(avant, b); })) continue;
+            std::erase_if(base, [&](const auto& b) { return couvre(b, avant); });
+            base.push_back(avant);
+            aVoir.push_back(std::move(avant));
+            if (base.size() > limite) return std::nullopt;
+        }
+    }
+    return false;
+}
+
+namespace {
+
+std::string contenu(const std::filesystem::path& fichier) {
+    std::ifstream in(fichier, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+}  // namespace
+
+Resultat lancer(const std::string& arguments, const std::string& entree, const std::string& avant) {
+    std::string modele = (std::filesystem::temp_directory_path() / "reseau-XXXXXX").string();
+    if (mkdtemp(modele.data()) == nullptr) throw std::runtime_error("no temporary directory");
+    const std::filesystem::path dossier = modele;
+    std::ofstream(dossier / "entree", std::ios::binary) << entree;
+    const std::string commande =
+        "cd '" + modele + "' && { " + avant + "'" TINA "' " + arguments + "; } <entree >sortie 2>erreurs";
+    const int etat = std::system(commande.c_str());
+    Resultat r{WIFEXITED(etat) ? WEXITSTATUS(etat) : -1, contenu(dossier / "sortie"), contenu(dossier / "erreurs")};
+    std::filesystem::remove_all(dossier);
+    return r;
+}
+
+std::map<std::string, long long> comptesDuRapport(const std::string& rapport) {
+    std::map<std::string, long long> comptes;
+    std::istringstream lignes(rapport);
+    for (std::string ligne; std::getline(lignes, ligne);) {
+        const std::size_t deuxPoints = ligne.find(':');
+        if (deuxPoints == std::string::npos) continue;
+        std::istringstream mots(ligne.substr(deuxPoints + 1));
+        for (std::string mot; mots >> mot;) {
+            const std::size_t etoile = mot.rfind('*');
+            const std::string nom = mot.substr(0, etoile);
+            long long compte = 1;
+            if (etoile != std::string::npos)
+                compte = mot.substr(etoile) == "*w" ? -1 : std::stoll(mot.substr(etoile + 1));
+            long long& vu = comptes[nom];
+            if (compte == -1 || (vu != -1 && compte > vu)) vu = compte;
+        }
+    }
+    return comptes;
+}
+
+}  // namespace essai

@@ -1,0 +1,494 @@
+#include "Verificateur.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+#include <vector>
+
+#include "Outils.h"
+
+namespace essai {
+
+namespace {
+
+__extension__ using Entier = __int128;
+using Mots = std::vector<std::string>;
+using Vecteur = std::map<std::string, Entier>;  // by place; missing is 0
+
+const Entier W = static_cast<Entier>(1) << 120;  // "w"; larger than anything else here
+
+struct Faux : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+void exiger(bool vrai, const std::string& quoi) {
+    if (!vrai) throw Faux(quoi);
+}
+
+Entier nombre(const std::string& texte) {
+    if (texte == "w") return W;
+    exiger(!texte.empty(), "a number is missing");
+    const bool moins = texte[0] == '-';
+    Entier n = 0;
+    for (std::size_t i = moins ? 1 : 0; i < texte.size(); ++i) {
+        exiger(texte[i] >= '0' && texte[i] <= '9', "not a number: " + texte);
+        n = n * 10 + (texte[i] - '0');
+    }
+    return moins ? -n : n;
+}
+
+Mots mots(const std::string& ligne) {
+    Mots resultat;
+    std::istringstream in(ligne);
+    for (std::string mot; in >> mot;) resultat.push_back(mot);
+    return resultat;
+}
+
+/// "a*3" as ("a", 3), and "a" as ("a", 1).
+std::pair<std::string, Entier> poids(const std::string& mot) {
+    const std::size_t etoile = mot.rfind('*');
+    if (etoile == std::string::npos) return {mot, 1};
+    return {mot.substr(0, etoile), nombre(mot.substr(etoile + 1))};
+}
+
+Entier lire(const Vecteur& v, const std::string& place) {
+    const auto i = v.find(place);
+    return i == v.end() ? 0 : i->second;
+}
+
+struct Transition {
+    Vecteur pre;
+    Vecteur effet;
+};
+
+struct Omega {
+    std::set<std::string> monte;
+    Vecteur besoin;
+};
+
+class Verification {
+public:
+    Verification(const std::string& net, const std::string& rapport, bool verdictSeul);
+    void verifier();
+
+private:
+    void lireNet(const std::string& texte);
+    void verifierMortes();
+    void verifierPartie();
+    void verifierTirees();
+    void verifierOmega(const Mots& m);
+    void verifierEnsemble();
+    void verifierSansBorne(const Mots& m);
+    void verifierBorne(const Mots& m);
+    void verifierMajorant(const Mots& m, const Vecteur& somme, std::optional<Entier> borne);
+    void verifierMarquages() const;
+    Entier cas(const Vecteur& somme);
+    Entier ferme(const Mots& m, const Vecteur& somme) const;
+
+    bool concerne(const Transition& t) const;
+    void tirer(const std::string& nom, Entier fois, Vecteur& m) const;
+    Vecteur suivre(const Mots& course, Vecteur m) const;
+    const Mots& ligne() const;
+    bool commence(const std::string& mot) const { return ici_ < lignes_.size() && ligne()[0] == mot; }
+    Mots prochaine() {
+        Mots m = ligne();
+        ++ici_;
+        return m;
+    }
+
+    bool verdictSeul_;
+    bool bornee_ = false;
+    Vecteur initial_;
+    std::set<std::string> places_;
+    std::map<std::string, Transition> transitions_;
+    std::vector<Mots> lignes_;  // of the certificate
+    std::map<std::string, long long> montrees_;
+    std::size_t ici_ = 0;
+
+    std::set<std::string> mortes_;
+    std::map<std::string, Entier> bornes_;  // proved, by place
+    bool unePartieSansBorne_ = false;
+    std::set<std::string> reparties_;  // places of the parts so far
+
+    // Of the part under way.
+    std::set<std::string> partie_;
+    Mots tirees_;
+    std::map<std::string, Omega> omegas_;
+    std::vector<Vecteur> ensemble_;
+    struct Contrainte {
+        std::map<std::string, Entier> forme;  // by transition
+        Entier constante = 0;
+    };
+    std::vector<Contrainte> contraintes_;
+};
+
+Verification::Verification(const std::string& net, const std::string& rapport, bool verdictSeul)
+    : verdictSeul_(verdictSeul) {
+    lireNet(net);
+    std::istringstream in(rapport);
+    std::string ligneLue;
+    std::getline(in, ligneLue);
+    exiger(ligneLue == "the net is bounded" || ligneLue == "the net is not bounded", "no verdict");
+    bornee_ = ligneLue == "the net is bounded";
+    while (std::getline(in, ligneLue))
+        if (ligneLue.find(':') == std::string::npos) lignes_.push_back(mots(ligneLue));
+    montrees_ = comptesDuRapport(rapport);
+}
+
+void Verification::lireNet(const std::string& texte) {
+    std::istringstream in(texte);
+    for (std::string l; std::getline(in, l);) {
+        const Mots m = mots(l);
+        if (m.empty() || m[0] == "net") continue;
+        if (m[0] == "pl") {
+            places_.insert(m[1]);
+            if (m.size() > 2) initial_[m[1]] = nombre(m[2].substr(1, m[2].size() - 2));
+            continue;
+        }
+        Transition& t = transitions_[m[1]];
+        int signe = -1;
+        for (std::size_t i = 2; i < m.size(); ++i) {
+            if (m[i] == "->") {
+                signe = 1;
+                continue;
+            }
+            const auto [p, n] = poids(m[i]);
+            places_.insert(p);
+            t.effet[p] += signe * n;
+            if (signe < 0) t.pre[p] += n;
+        }
+    }
+}
+
+const Mots& Verification::ligne() const {
+    exiger(ici_ < lignes_.size(), "the certificate ends early");
+    return lignes_[ici_];
+}
+
+/// If a run fired a dead transition, the first one it fires would lack what only dead transitions provide.
+void Verification::verifierMortes() {
+    const Mots m = prochaine();
+    exiger(m[0] == "dead", "\"dead\" expected");
+    mortes_.insert(m.begin() + 1, m.end());
+    std::set<std::string> marquables;
+    std::set<std::string> changeantes;
+    for (const auto& [p, n] : initial_)
+        if (n > 0) marquables.insert(p);
+    for (const auto& [nom, t] : transitions_) {
+        if (mortes_.contains(nom)) continue;
+        for (const auto& [p, n] : t.effet) {
+            if (n + lire(t.pre, p) > 0) marquables.insert(p);
+            if (n != 0) changeantes.insert(p);
+        }
+    }
+    for (const std::string& nom : mortes_) {
+        const bool manque = std::ranges::any_of(transitions_.at(nom).pre, [&](const auto& b) {
+            return b.second > 0 && (!marquables.contains(b.first) ||
+                                    (!changeantes.contains(b.first) && b.second > lire(initial_, b.first)));
+        });
+        exiger(manque, "not dead: " + nom);
+    }
+    // What no transition changes keeps its count.
+    for (const std::string& p : places_)
+        if (!changeantes.contains(p)) bornes_[p] = lire(initial_, p);
+}
+
+bool Verification::concerne(const Transition& t) const {
+    return std::ranges::any_of(t.effet, [this](const auto& e) { return e.second != 0 && partie_.contains(e.first); });
+}
+
+/// Every transition that can change the part is listed, or one is with the same need and effect within the part.
+void Verification::verifierTirees() {
+    const auto dansPartie = [this](const Vecteur& v) {
+        Vecteur r;
+        for (const auto& [p, n] : v)
+            if (n != 0 && partie_.contains(p)) r[p] = n;
+        return r;
+    };
+    std::set<std::pair<Vecteur, Vecteur>> listees;
+    for (const std::string& nom : tirees_)
+        listees.insert({dansPartie(transitions_.at(nom).pre), dansPartie(transitions_.at(nom).effet)});
+    for (const auto& [nom, t] : transitions_) {
+        if (mortes_.contains(nom) || !concerne(t)) continue;
+        exiger(listees.contains({dansPartie(t.pre), dansPartie(t.effet)}), "not among the part's transitions: " + nom);
+    }
+}
+
+void Verification::tirer(const std::string& nom, Entier fois, Vecteur& m) const {
+    for (const auto& [p, n] : transitions_.at(nom).effet) {
+        Entier& ici = m[p];
+        if (ici < W / 2) ici += n * fois;
+    }
+}
+
+/// Follows a run from a marking; every step must be enabled.
+Vecteur Verification::suivre(const Mots& course, Vecteur m) const {
+    const auto tirable = [&](const std::string& nom) {
+        return std::ranges::all_of(transitions_.at(nom).pre,
+                                   [&](const auto& b) { return lire(m, b.first) >= b.second; });
+    };
+    for (std::size_t i = 0; i < course.size(); ++i) {
+        if (course[i][0] == '*') {
+            const Omega& o = omegas_.at(course[i].substr(1));
+            for (const auto& [p, n] : o.besoin) exiger(lire(m, p) >= n, "an acceleration lacks " + p);
+            for (const std::string& p : o.monte) m[p] = W;
+        } else if (course[i][0] != '(') {
+            exiger(tirable(course[i]), "not enabled: " + course[i]);
+            tirer(course[i], 1, m);
+        } else {
+            std::vector<std::pair<std::string, Entier>> bloc;
+            Entier fois = 0;
+            for (std::string mot = course[i].substr(1);; mot = course[++i]) {
+                const std::size_t fin = mot.find(')');
+                bloc.push_back(poids(mot.substr(0, fin)));
+                exiger(bloc.back().second >= 1, "a transition that is not fired");
+                if (fin == std::string::npos) continue;
+                fois = nombre(mot.substr(fin + 2));
+                break;
+            }
+            exiger(fois >= 1, "a block that is not fired");
+            // Each place moves by the same amount each time, so the first and the last time decide, of a transition as
+            // of a block.
+            const auto elan = [&](const std::string& nom, Entier n) {
+                exiger(tirable(nom), "not enabled in a block: " + nom);
+                tirer(nom, n - 1, m);
+                exiger(tirable(nom), "not enabled to the end of a block: " + nom);
+                tirer(nom, 1, m);
+            };
+            for (const auto& [nom, n] : bloc) elan(nom, n);
+            if (fois > 1) {
+                for (const auto& [nom, n] : bloc) tirer(nom, n * (fois - 2), m);
+                for (const auto& [nom, n] : bloc) elan(nom, n);
+            }
+        }
+    }
+    return m;
+}
+
+/// "omega N raises P... needs P*N... by RUN": the run is followed once from the needs. Where it takes something in the
+/// balance, the needs must be "w".
+void Verification::verifierOmega(const Mots& m) {
+    Omega o;
+    std::size_t i = 3;
+    for (; m.at(i) != "needs"; ++i) o.monte.insert(m[i]);
+    for (++i; m.at(i) != "by"; ++i) o.besoin.insert(poids(m[i]));
+    const Mots course(m.begin() + static_cast<std::ptrdiff_t>(i) + 1, m.end());
+    for (const auto& [p, n] : initial_)  // constant places outside the part are there all the time
+        if (!partie_.contains(p)) o.besoin[p] = n;
+    const Vecteur apres = suivre(course, o.besoin);
+    std::set<std::string> touchees = o.monte;
+    for (const auto& [p, n] : apres) touchees.insert(p);
+    for (const std::string& p : touchees) {
+        exiger(lire(apres, p) >= lire(o.besoin, p), "an acceleration takes " + p);
+        if (o.monte.contains(p)) exiger(lire(apres, p) > lire(o.besoin, p), "an acceleration does not raise " + p);
+    }
+    omegas_[m.at(1)] = o;
+}
+
+/// The set covers the initial marking and every successor of its members, as far as the part's places go.
+void Verification::verifierEnsemble() {
+    const auto couverte = [&](const Vecteur& m) {
+        return std::ranges::any_of(ensemble_, [&](const Vecteur& e) {
+            return std::ranges::all_of(
+                m, [&](const auto& v) { return !partie_.contains(v.first) || lire(e, v.first) >= v.second; });
+        });
+    };
+    exiger(couverte(initial_), "the set does not cover the start");
+    for (const Vecteur& e : ensemble_)
+        for (const std::string& nom : tirees_) {
+            const Transition& t = transitions_.at(nom);
+            const bool tirable = std::ranges::all_of(
+                t.pre, [&](const auto& b) { return !partie_.contains(b.first) || lire(e, b.first) >= b.second; });
+            if (!tirable) continue;
+            Vecteur suivant = e;
+            tirer(nom, 1, suivant);
+            exiger(couverte(suivant), "the set does not cover a successor by " + nom);
+        }
+}
+
+void Verification::verifierSansBorne(const Mots& m) {
+    const auto cycle = std::ranges::find(m, "cycle");
+    exiger(m.at(1) == "stem" && cycle != m.end(), "\"stem\" and \"cycle\" expected");
+    const Vecteur avant = suivre(Mots(m.begin() + 2, cycle), initial_);
+    const Vecteur apres = suivre(Mots(cycle + 1, m.end()), avant);
+    bool plus = false;
+    for (const auto& [p, n] : apres) {
+        exiger(n >= lire(avant, p), "the cycle takes " + p);
+        plus = plus || n > lire(avant, p);
+    }
+    for (const auto& [p, n] : avant) exiger(lire(apres, p) >= n, "the cycle takes " + p);
+    exiger(plus, "the cycle adds nothing");
+    unePartieSansBorne_ = true;
+}
+
+Entier Verification::ferme(const Mots& m, const Vecteur& somme) const {
+    const Entier facteur = nombre(m.at(1));
+    exiger(facteur >= 0, "a negative factor");
+    Vecteur y = somme;
+    for (auto& [p, n] : y) n *= facteur;
+    std::map<std::string, Entier> x;  // coefficients of the transitions
+    Entier constante = 0;
+    for (std::size_t i = 3; i < m.size(); ++i) {
+        const auto [nom, n] = poids(m[i]);
+        exiger(n > 0, "a multiplier that is not positive");
+        if (nom[0] != '*') {
+            exiger(partie_.contains(nom), "a place of another part");
+            y[nom] += n;
+            continue;
+        }
+        const Contrainte& c = contraintes_.at(static_cast<std::size_t>(nombre(nom.substr(1))));
+        constante += n * c.constante;
+        for (const auto& [t, k] : c.forme) x[t] += n * k;
+    }
+    for (const auto& [p, n] : y) {
+        constante += n * lire(initial_, p);
+        for (const std::string& t : tirees_) x[t] += n * lire(transitions_.at(t).effet, p);
+    }
+    for (const auto& [t, n] : x) exiger(n <= 0, "raised by " + t);
+    exiger(constante <= nombre(m.at(2)), "the total is wrong");
+    if (facteur == 0) {
+        exiger(constante < 0, "a case that can occur");
+        return -1;
+    }
+    return constante < 0 ? -1 : constante / facteur;
+}
+
+/// Reads one tree of cases; @return the largest bound of its leaves
+Entier Verification::cas(const Vecteur& somme) {
+    const Mots m = prochaine();
+    if (m[0] == "close") return ferme(m, somme);
+    const std::size_t enVigueur = contraintes_.size();
+    std::vector<Contrainte> premier;
+    Contrainte second;
+    if (m[0] == "threshold") {
+        const Entier k = nombre(m.at(2));
+        premier.push_back({{{m.at(1), -1}}, k});
+        second = {{{m.at(1), 1}}, -k - 1};
+    } else {
+        exiger(m[0] == "entry", "a case expected, not " + m[0]);
+        const std::set<std::string> q(m.begin() + 1, m.end());
+        for (const std::string& p : q)
+            exiger(partie_.contains(p) && lire(initial_, p) == 0, "marked at the start: " + p);
+        second.constante = -1;
+        for (const std::string& t : tirees_) {
+            const Transition& tr = transitions_.at(t);
+            const bool prend =
+                std::ranges::any_of(tr.pre, [&](const auto& b) { return b.second > 0 && q.contains(b.first); });
+            const bool met = std::ranges::any_of(
+                tr.effet, [&](const auto& e) { return e.second + lire(tr.pre, e.first) > 0 && q.contains(e.first); });
+            if (prend)
+                premier.push_back({{{t, -1}}, 0});
+            else if (met)
+                second.forme[t] = 1;
+        }
+    }
+    contraintes_.insert(contraintes_.end(), premier.begin(), premier.end());
+    const Entier a = cas(somme);
+    contraintes_.resize(enVigueur);
+    contraintes_.push_back(second);
+    const Entier b = cas(somme);
+    contraintes_.resize(enVigueur);
+    return std::max(a, b);
+}
+
+void Verification::verifierMajorant(const Mots& m, const Vecteur& somme, std::optional<Entier> borne) {
+    exiger(m[0] == "most", "\"most\" expected, not " + m[0]);
+    if (m.back() == "set") {
+        exiger(!ensemble_.empty(), "there is no set");
+        for (const Vecteur& e : ensemble_)
+            for (const auto& [p, n] : somme)
+                exiger(lire(e, p) <= (borne ? *borne : W - 1), "the set holds more of " + p);
+        return;
+    }
+    const Entier trouve = cas(somme);
+    exiger(trouve <= nombre(m.at(1)), "the cases show less");
+    exiger(!borne || trouve <= *borne, "the cases show less than the bound");
+}
+
+void Verification::verifierBorne(const Mots& m) {
+    const std::string& p = m.at(1);
+    const Entier borne = nombre(m.at(2));
+    exiger(partie_.contains(p) && m.at(3) == "by", "\"bound PLACE COUNT by\" expected");
+    exiger(lire(suivre(Mots(m.begin() + 4, m.end()), initial_), p) == borne,
+           "the run does not end with the bound of " + p);
+    if (borne < W) verifierMajorant(prochaine(), {{p, 1}}, borne);
+    bornes_[p] = borne;
+}
+
+void Verification::verifierPartie() {
+    const Mots m = prochaine();
+    exiger(m[0] == "part", "\"part\" expected, not " + m[0]);
+    partie_ = {m.begin() + 1, m.end()};
+    for (const std::string& p : partie_) exiger(reparties_.insert(p).second, "in two parts: " + p);
+    tirees_ = prochaine();
+    exiger(tirees_[0] == "fires", "\"fires\" expected");
+    tirees_.erase(tirees_.begin());
+    omegas_.clear();
+    ensemble_.clear();
+    verifierTirees();
+    const bool sansBorneAvant = unePartieSansBorne_;
+    unePartieSansBorne_ = false;
+    if (commence("unbounded")) verifierSansBorne(prochaine());
+    const bool sansBorne = unePartieSansBorne_;
+    unePartieSansBorne_ = unePartieSansBorne_ || sansBorneAvant;
+    while (commence("set")) {
+        Vecteur v;
+        const Mots e = prochaine();
+        for (std::size_t i = 1; i < e.size(); ++i) v.insert(poids(e[i]));
+        ensemble_.push_back(v);
+    }
+    if (!ensemble_.empty()) verifierEnsemble();
+    if (verdictSeul_) {
+        if (sansBorne) return;
+        exiger(prochaine()[0] == "total", "\"total\" expected");
+        Vecteur somme;
+        for (const std::string& p : partie_) somme[p] = 1;
+        verifierMajorant(prochaine(), somme, std::nullopt);
+        for (const std::string& p : partie_) bornes_[p] = 0;  // finite is all that is claimed
+        return;
+    }
+    while (commence("omega") || commence("bound")) {
+        if (commence("omega"))
+            verifierOmega(prochaine());
+        else
+            verifierBorne(prochaine());
+    }
+}
+
+/// Every place has a proved bound, the marking lines show it, and no more.
+void Verification::verifierMarquages() const {
+    for (const std::string& p : places_) {
+        exiger(bornes_.contains(p), "no bound for " + p);
+        const auto montree = montrees_.find(p);
+        const Entier vue = montree == montrees_.end() ? 0 : montree->second == -1 ? W : montree->second;
+        exiger(vue == bornes_.at(p), "the marking lines do not show the bound of " + p);
+        exiger(!bornee_ || vue < W, "bounded, but not " + p);
+    }
+}
+
+void Verification::verifier() {
+    verifierMortes();
+    while (ici_ < lignes_.size()) verifierPartie();
+    exiger(bornee_ == !unePartieSansBorne_, "the verdict is not what the parts show");
+    if (!verdictSeul_) return verifierMarquages();
+    if (bornee_)
+        for (const std::string& p : places_) exiger(bornes_.contains(p), "in no part: " + p);
+}
+
+}  // namespace
+
+std::string verifier(const std::string& net, const std::string& rapport, bool verdictSeul) {
+    try {
+        Verification(net, rapport, verdictSeul).verifier();
+        return "";
+    } catch (const Faux& e) {
+        return e.what();
+    } catch (const std::out_of_range&) {
+        return "a line or a name is missing";
+    }
+}
+
+}  // namespace essai
