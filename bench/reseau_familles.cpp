@@ -1,0 +1,254 @@
+#include "reseau_familles.h"
+
+#include <cstdint>
+#include <map>
+#include <random>
+#include <sstream>
+#include <utility>
+
+namespace familles {
+
+namespace {
+
+/// Builds a net by place names: "a b*2" on each side.
+class Chantier {
+public:
+    void tr(const std::string& pre, const std::string& post) {
+        net_.ajouter("t" + std::to_string(net_.transitions.size()), cote(pre), cote(post));
+    }
+    void pl(const std::string& nom, Reseau::Compte jetons) { net_.initial[place(nom)] = jetons; }
+    Reseau::Net finir() { return std::move(net_); }
+
+private:
+    std::uint32_t place(const std::string& nom) {
+        const auto [i, neuve] = numeros_.try_emplace(nom, static_cast<std::uint32_t>(net_.places.size()));
+        if (neuve) {
+            net_.places.push_back(nom);
+            net_.initial.push_back(0);
+        }
+        return i->second;
+    }
+    Reseau::Creux cote(const std::string& texte) {
+        Reseau::Creux v;
+        std::istringstream mots(texte);
+        for (std::string mot; mots >> mot;) {
+            const std::size_t etoile = mot.find('*');
+            v.push_back(
+                {place(mot.substr(0, etoile)), etoile == std::string::npos ? 1 : std::stoll(mot.substr(etoile + 1))});
+        }
+        return v;
+    }
+
+    Reseau::Net net_;
+    std::map<std::string, std::uint32_t> numeros_;
+};
+
+std::string nom(const char* lettre, int i) { return lettre + std::to_string(i); }
+
+using Hasard = std::mt19937_64;
+int tirer(Hasard& h, int n) { return static_cast<int>(h() % static_cast<std::uint64_t>(n)); }
+
+/// G. Ciardo, M. Tilgner, "On the use of Kronecker operators for the solution of generalized stochastic Petri nets"
+/// (1996).
+Reseau::Net kanban(int n) {
+    Chantier c;
+    for (int i = 1; i <= 4; ++i) {
+        c.tr(nom("m", i), nom("rework", i));
+        c.tr(nom("rework", i), nom("m", i));
+        c.tr(nom("m", i), nom("out", i));
+        c.pl(nom("k", i), n);
+    }
+    c.tr("k1", "m1");
+    c.tr("out1 k2 k3", "k1 m2 m3");
+    c.tr("out2 out3 k4", "k2 k3 m4");
+    c.tr("out4", "k4");
+    return c.finir();
+}
+
+/// G. Ciardo, K. Trivedi, "A decomposition approach for stochastic reward net models" (1993).
+Reseau::Net fms(int n) {
+    Chantier c;
+    c.tr("P1", "P1wM1");
+    c.tr("P1wM1 M1", "P1M1");
+    c.tr("P1M1", "P1d M1");
+    c.tr("P1d", "P1s");
+    c.tr("P1d", "P1wP2");
+    c.tr("P2", "P2wM2");
+    c.tr("P2wM2 M2", "P2M2");
+    c.tr("P2M2", "P2d M2");
+    c.tr("P2d", "P2s");
+    c.tr("P2d", "P2wP1");
+    c.tr("P1wP2 P2wP1", "P12");
+    c.tr("P12", "P12wM3");
+    c.tr("P12wM3 M3", "P12M3");
+    c.tr("P12M3", "P12s M3");
+    c.tr("P3", "P3wM2");
+    c.tr("P3wM2 M2", "P3M2");
+    c.tr("P3M2", "P3s M2");
+    c.tr("P1s", "P1");
+    c.tr("P2s", "P2");
+    c.tr("P3s", "P3");
+    c.tr("P12s", "P1 P2");
+    for (int i = 1; i <= 3; ++i) {
+        c.pl(nom("P", i), n);
+        c.pl(nom("M", i), i == 1 ? 3 : i == 2 ? 1 : 2);
+    }
+    return c.finir();
+}
+
+/// n locks taken in order by threads that are created without end.
+Reseau::Net exclusion(int n) {
+    Chantier c;
+    c.tr("", "hors0");
+    for (int i = 0; i < n; ++i) {
+        c.tr(nom("hors", i) + " " + nom("verrou", i), nom("dans", i));
+        c.tr(nom("dans", i), nom("hors", i + 1) + " " + nom("verrou", i));
+        c.tr(nom("dans", i), nom("hors", i) + " " + nom("verrou", i));
+        c.pl(nom("verrou", i), 1);
+    }
+    c.tr(nom("hors", n), "hors0");
+    return c.finir();
+}
+
+/// n processes read together or write alone.
+Reseau::Net lecteurs(int n) {
+    Chantier c;
+    c.tr("repos", "veutLire");
+    c.tr("repos", "veutEcrire");
+    c.tr("veutLire permis", "lit");
+    c.tr("lit", "repos permis");
+    c.tr("veutEcrire permis*" + std::to_string(n), "ecrit");
+    c.tr("ecrit", "repos permis*" + std::to_string(n));
+    c.pl("repos", 2 * n);
+    c.pl("permis", n);
+    return c.finir();
+}
+
+/// n by n processors that hand jobs to their neighbours; those of the first column get them from outside.
+Reseau::Net maille(int n) {
+    Chantier c;
+    for (int x = 0; x < n; ++x)
+        for (int y = 0; y < n; ++y) {
+            const int i = x * n + y;
+            c.tr(nom("job", i) + " " + nom("libre", i), nom("occupe", i));
+            c.tr(nom("occupe", i), nom("fini", i) + " " + nom("libre", i));
+            for (const int j : {x + 1 < n ? i + n : -1, y + 1 < n ? i + 1 : -1})
+                if (j >= 0) c.tr(nom("fini", i) + " " + nom("place", j), nom("job", j) + " " + nom("place", i));
+            if (y == 0) c.tr(nom("place", i), nom("job", i));
+            if (x == n - 1 || y == n - 1) c.tr(nom("fini", i), nom("place", i));
+            c.pl(nom("libre", i), 1);
+            c.pl(nom("place", i), 2);
+        }
+    return c.finir();
+}
+
+/// A. Brams, "Réseaux de Petri: théorie et pratique" (1983): n cabins, n baskets, bathers from outside.
+Reseau::Net piscine(int n) {
+    Chantier c;
+    c.tr("", "entre");
+    c.tr("entre cabine", "attend");
+    c.tr("attend panier", "deshabille");
+    c.tr("deshabille", "baigne cabine");
+    c.tr("baigne cabine", "rhabille");
+    c.tr("rhabille", "sort panier");
+    c.tr("sort", "cabine");
+    c.pl("cabine", n);
+    c.pl("panier", n);
+    return c.finir();
+}
+
+/// A producer, n unbounded buffers in a row, a consumer that takes two at a time.
+Reseau::Net tampons(int n) {
+    Chantier c;
+    c.tr("pret", "pose");
+    c.tr("pose", "pret tampon0");
+    for (int i = 1; i < n; ++i)
+        c.tr(nom("tampon", i - 1) + " " + nom("porteur", i), nom("tampon", i) + " " + nom("porteur", i));
+    c.tr(nom("tampon", n - 1) + "*2 faim", "repu");
+    c.tr("repu", "faim");
+    c.pl("pret", 1);
+    c.pl("faim", 1);
+    for (int i = 1; i < n; ++i) c.pl(nom("porteur", i), 1);
+    return c.finir();
+}
+
+/// Counts to 2^n: bit i set and all lower bits set carry into bit i + 1; every step is tallied with the weight of its
+/// bit.
+Reseau::Net compteur(int n) {
+    Chantier c;
+    std::string basPoses;
+    std::string basNuls;
+    for (int i = 0; i < n; ++i) {
+        c.tr(nom("nul", i) + basPoses, nom("pose", i) + basNuls + " pas");
+        c.tr("pas*" + std::to_string(1 << (i % 20)) + " " + nom("pose", i), nom("nul", i) + " fin");
+        basPoses += " " + nom("pose", i);
+        basNuls += " " + nom("nul", i);
+        c.pl(nom("nul", i), 1);
+    }
+    return c.finir();
+}
+
+/// 15 to 95 places, 30 to 100 transitions, up to four arcs a transition; n is the number of places and the seed.
+Reseau::Net hasard(int n) {
+    Hasard h(static_cast<std::uint64_t>(n));
+    Chantier c;
+    const int transitions = 30 + (n - 15) * 70 / 80;
+    for (int p = 0; p < n; ++p) {
+        c.tr(nom("p", p), nom("p", p));
+        c.pl(nom("p", p), tirer(h, 4) == 0 ? 1 : 0);
+    }
+    for (int t = 0; t < transitions; ++t) {
+        std::string pre;
+        std::string post;
+        for (int a = 1 + tirer(h, 2); a > 0; --a) pre += " " + nom("p", tirer(h, n));
+        for (int a = tirer(h, 3); a > 0; --a) post += " " + nom("p", tirer(h, n)) + (tirer(h, 10) == 0 ? "*2" : "");
+        c.tr(pre, post);
+    }
+    return c.finir();
+}
+
+/// A model as the editor translates it: n nodes, 2 to 20 molecules, 1 to 10^9 of each kind at the start, two arcs a
+/// node of which two in three carry a rule that turns some molecules into later ones.
+Reseau::Net modele(int n) {
+    Hasard h(static_cast<std::uint64_t>(n));
+    Chantier c;
+    const int molecules = 2 + (n - 5) * 18 / 195;
+    for (int i = 0; i < n; ++i)
+        for (const int but : {(i + 1) % n, tirer(h, n)}) {
+            std::string pre = nom("q", i);
+            std::string post = nom("q", but);
+            if (tirer(h, 3) != 0) {
+                const int de = tirer(h, molecules - 1);
+                pre += " " + nom("m", de) + "*" + std::to_string(1 + tirer(h, 3));
+                post += " " + nom("m", de + 1 + tirer(h, molecules - de - 1)) + "*" + std::to_string(1 + tirer(h, 3));
+            }
+            c.tr(pre, post);
+        }
+    std::string marquage = "q0";
+    Reseau::Compte jetons = 1;
+    for (int m = 0; m < molecules; ++m, jetons = jetons % 1'000'000'000 * 10)
+        if (jetons > 0 && tirer(h, 2) == 0) marquage += " " + nom("m", m) + "*" + std::to_string(jetons);
+    c.tr("depart", marquage + " m0*" + std::to_string(n % 2 == 0 ? 1'000'000'000 : 1000));
+    c.pl("depart", 1);
+    return c.finir();
+}
+
+}  // namespace
+
+const std::vector<Famille>& toutes() {
+    static const std::vector<Famille> liste{
+        {"kanban", kanban, {1, 2, 3, 4, 100, 1'000'000}},
+        {"fms", fms, {1, 2, 3, 100, 1'000'000}},
+        {"mutual exclusion", exclusion, {2, 5, 10, 100}},
+        {"readers-writers", lecteurs, {2, 10, 50, 1'000'000}},
+        {"mesh", maille, {2, 3, 4, 10}},
+        {"swimming pool", piscine, {1, 5, 20, 100'000}},
+        {"buffers", tampons, {5, 20, 100, 1000}},
+        {"n-bit counter", compteur, {2, 4, 8, 12}},
+        {"random", hasard, {15, 25, 35, 45, 55, 65, 75, 85, 95}},
+        {"model", modele, {5, 6, 10, 11, 20, 50, 100, 200}},
+    };
+    return liste;
+}
+
+}  // namespace familles
