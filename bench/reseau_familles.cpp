@@ -1,5 +1,6 @@
 #include "reseau_familles.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <random>
@@ -234,6 +235,67 @@ Reseau::Net modele(int n) {
 }
 
 }  // namespace
+
+/// Two arcs leave each node, one of them to the next; two in three carry a rule that takes one or two kinds of
+/// molecules and puts up to two. One or two nodes are initial, with each kind present at odds of one half, 1 to 10^9 of
+/// it, small numbers as likely as large ones.
+Reseau::Net modeleAuHasard(Genre genre, int noeuds, int molecules, std::uint64_t graine) {
+    Hasard h(graine);
+    Chantier c;
+    const auto regle = [&](std::string& pre, std::string& post) {
+        int pris = 0;
+        int dernier = 0;
+        for (int k = 1 + tirer(h, 2); k > 0; --k) {
+            const int m = tirer(h, genre == Genre::ETAGE ? molecules - 1 : molecules);
+            const int poids = 1 + tirer(h, 3);
+            pre += " " + nom("m", m) + "*" + std::to_string(poids);
+            pris += poids;
+            dernier = std::max(dernier, m);
+        }
+        for (int k = tirer(h, 3); k > 0; --k) {
+            const int premier = genre == Genre::ETAGE ? dernier + 1 : 0;
+            const int m = premier + tirer(h, molecules - premier);
+            const int poids = 1 + tirer(h, genre == Genre::ECONOME ? std::min(3, pris) : 3);
+            if (genre == Genre::ECONOME && poids > pris) break;
+            pris -= poids;
+            post += " " + nom("m", m) + "*" + std::to_string(poids);
+        }
+    };
+    for (int i = 0; i < noeuds; ++i)
+        for (const bool suivant : {true, false}) {
+            std::string pre = nom("q", i);
+            std::string post = nom("q", suivant ? (i + 1) % noeuds : tirer(h, noeuds));
+            if (tirer(h, 3) < (suivant ? 1 : 2)) regle(pre, post);
+            c.tr(pre, post);
+        }
+    for (int initiaux = 1 + tirer(h, 2); initiaux > 0; --initiaux) {
+        std::string marquage = nom("q", tirer(h, noeuds));
+        for (int m = 0; m < molecules; ++m) {
+            if (tirer(h, 2) == 0) continue;
+            Reseau::Compte jetons = 1 + tirer(h, 9);
+            for (int zeros = tirer(h, 9); zeros > 0; --zeros) jetons = jetons * 10 + tirer(h, 10);
+            marquage += " " + nom("m", m) + "*" + std::to_string(jetons);
+        }
+        c.tr("depart", marquage);
+    }
+    c.pl("depart", 1);
+    return c.finir();
+}
+
+void ecrire(std::ostream& out, const Reseau::Net& net) {
+    const auto ecrireCote = [&](const Reseau::Creux& v) {
+        for (const Reseau::Poids& p : v) out << ' ' << net.places[p.place] << '*' << p.compte;
+    };
+    for (const Reseau::Transition& t : net.transitions) {
+        out << "tr " << t.nom;
+        ecrireCote(t.pre);
+        out << " ->";
+        ecrireCote(t.post);
+        out << '\n';
+    }
+    for (std::size_t p = 0; p < net.places.size(); ++p)
+        out << "pl " << net.places[p] << " (" << net.initial[p] << ")\n";
+}
 
 const std::vector<Famille>& toutes() {
     static const std::vector<Famille> liste{

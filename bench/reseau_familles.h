@@ -2,6 +2,8 @@
 // and models of the editor's shape.
 #pragma once
 
+#include <cstdint>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -14,6 +16,15 @@ struct Famille {
     Reseau::Net (*net)(int n);
     std::vector<int> parametres;
 };
+
+/// What the rules of a random model do: turn molecules into later kinds only, put no more than they take, or anything.
+enum class Genre { ETAGE, ECONOME, LIBRE };
+
+/// A model as the editor translates it, with up to 10^9 molecules of a kind. The same arguments give the same net.
+Reseau::Net modeleAuHasard(Genre genre, int noeuds, int molecules, std::uint64_t graine);
+
+/// Writes a net in the analyser's format.
+void ecrire(std::ostream& out, const Reseau::Net& net);
 
 /// All families, each with the parameters of the table.
 const std::vector<Famille>& toutes();

@@ -54,21 +54,9 @@ TEST_P(CertificatsAuHasard, EveryAnswerIsProved) {
 
 INSTANTIATE_TEST_SUITE_P(Tranches, CertificatsAuHasard, testing::Range(0, 4));
 
-/// The net in the analyser's format.
 std::string texte(const Reseau::Net& net) {
     std::ostringstream out;
-    const auto cote = [&](const Reseau::Creux& v) {
-        for (const Reseau::Poids& p : v) out << ' ' << net.places[p.place] << '*' << p.compte;
-    };
-    for (const Reseau::Transition& t : net.transitions) {
-        out << "tr " << t.nom;
-        cote(t.pre);
-        out << " ->";
-        cote(t.post);
-        out << '\n';
-    }
-    for (std::size_t p = 0; p < net.places.size(); ++p)
-        out << "pl " << net.places[p] << " (" << net.initial[p] << ")\n";
+    familles::ecrire(out, net);
     return out.str();
 }
 

@@ -1,0 +1,96 @@
+// How many random models of the editor's shape the analyser answers within a time: `reseau_modeles [SECONDS [MODELS]]`
+// prints, for each kind of rules and number of nodes, how many of MODELS (10) fixed models are answered within SECONDS
+// (3) of processor time, the median and the largest of these times. With a third argument, a folder, the models that
+// are not answered are written there.
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <exception>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Reseau/Reseau.h"
+#include "reseau_familles.h"
+
+namespace {
+
+/// Analyses in a process of its own.
+/// @return the seconds of processor time, nothing when it was not answered
+std::optional<double> mesurer(const Reseau::Net& net, unsigned secondes) {
+    int tube[2];
+    if (pipe(tube) != 0) return std::nullopt;
+    const pid_t enfant = fork();
+    if (enfant == 0) {
+        rlimit temps{secondes, secondes};
+        setrlimit(RLIMIT_CPU, &temps);
+        rlimit memoire{};
+        memoire.rlim_cur = memoire.rlim_max = rlim_t{4} << 30;
+        setrlimit(RLIMIT_AS, &memoire);
+        const std::clock_t debut = std::clock();
+        try {
+            Reseau::analyser(net, {});
+        } catch (const std::exception&) {
+            _exit(1);
+        }
+        const double duree = static_cast<double>(std::clock() - debut) / CLOCKS_PER_SEC;
+        _exit(write(tube[1], &duree, sizeof duree) == sizeof duree ? 0 : 1);
+    }
+    close(tube[1]);
+    double duree = 0;
+    const bool repondu = read(tube[0], &duree, sizeof duree) == sizeof duree;
+    close(tube[0]);
+    waitpid(enfant, nullptr, 0);
+    return repondu ? std::optional(duree) : std::nullopt;
+}
+
+void garder(const std::string& fichier, const Reseau::Net& net) {
+    std::ofstream out(fichier);
+    familles::ecrire(out, net);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const unsigned secondes = argc > 1 ? static_cast<unsigned>(std::atoi(argv[1])) : 3;
+    const int modeles = argc > 2 ? std::atoi(argv[2]) : 10;
+    const struct {
+        familles::Genre genre;
+        const char* nom;
+    } genres[] = {{familles::Genre::ETAGE, "into later kinds"},
+                  {familles::Genre::ECONOME, "no more than taken"},
+                  {familles::Genre::LIBRE, "anything"}};
+    int total = 0;
+    int repondus = 0;
+    std::printf("%-20s %6s | %8s %8s %8s\n", "rules put", "nodes", "answered", "median", "longest");
+    for (const auto& g : genres)
+        for (const int noeuds : {3, 5, 8, 12, 20, 50, 100, 200}) {
+            std::vector<double> durees;
+            for (int i = 0; i < modeles; ++i) {
+                const int molecules = 2 + (i * 7 + noeuds) % std::min(19, noeuds);
+                const auto graine = static_cast<std::uint64_t>(noeuds * 1000 + i);
+                const Reseau::Net net = familles::modeleAuHasard(g.genre, noeuds, molecules, graine);
+                if (const auto duree = mesurer(net, secondes))
+                    durees.push_back(*duree);
+                else if (argc > 3)
+                    garder(std::string(argv[3]) + "/" + std::to_string(static_cast<int>(g.genre)) + "-" +
+                               std::to_string(noeuds) + "-" + std::to_string(i) + ".net",
+                           net);
+            }
+            std::ranges::sort(durees);
+            std::printf("%-20s %6d | %4zu/%-3d", g.nom, noeuds, durees.size(), modeles);
+            if (!durees.empty()) std::printf(" %8.3f %8.3f", durees[durees.size() / 2], durees.back());
+            std::printf("\n");
+            std::fflush(stdout);
+            total += modeles;
+            repondus += static_cast<int>(durees.size());
+        }
+    std::printf("%d of %d answered\n", repondus, total);
+    return 0;
+}
