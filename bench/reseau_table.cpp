@@ -49,10 +49,8 @@ void couvrir(const Reseau::Net& net, Mesure& m) {
     Reseau::Couverture c(net);
     if (Reseau::conservatif(net)) c.declarerIncomparables();
     c.explorer(std::numeric_limits<std::uint64_t>::max(), false);
-    m = {.bornee = !c.nonBornee(),
-         .noeuds = c.explores(),
-         .maximaux = c.maximaux().size(),
-         .empreinte = empreinte(c.maxima())};
+    m = {
+        .bornee = !c.nonBornee(), .noeuds = c.explores(), .maximaux = c.maximaux(), .empreinte = empreinte(c.maxima())};
 }
 
 void etalonner(const Reseau::Net& net, Mesure& m) {

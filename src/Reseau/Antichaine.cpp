@@ -6,136 +6,157 @@
 
 namespace Reseau {
 
-namespace {
-
-std::uint64_t plier(const Signature& s) { return s[0] | s[1] | s[2] | s[3]; }
-
-Signature signatureDe(const Creux& v) {
-    Signature s{};
-    for (const Poids& p : v) s[p.place / 64 % s.size()] |= std::uint64_t{1} << (p.place % 64);
-    return s;
-}
-
-}  // namespace
-
-bool Antichaine::couvre(const Marquage& m) const {
+bool Antichaine::couvre(const Mot* m) const {
     if (branches_.empty()) return false;
-    const Signature signature = m.signature();
-    const std::uint64_t pliee = plier(signature);
+    const std::size_t octets = champs_->octets();
     pile_.assign(1, 0);
     while (!pile_.empty()) {
-        const Branche& b = branches_[pile_.back()];
+        const std::uint32_t ici = pile_.back();
         pile_.pop_back();
-        if (!incluse(signature, b.union_)) continue;
+        if (!champs_->couvre(jointure(ici), m)) continue;
+        const Branche& b = branches_[ici];
         if (b.place == FEUILLE) {
-            for (const Membre& membre : feuilles_[b.moins])
-                if ((pliee & ~membre.signature) == 0 && reserve_.couvre(membre.adresse, m)) return true;
+            const Liasse& l = feuilles_[b.suite];
+            for (std::uint32_t i = 0; i < l.taille(); ++i)
+                if (champs_->couvre(l.en(i, octets), m)) return true;
         } else {
-            if (m[b.place] < b.seuil) pile_.push_back(b.moins);
-            pile_.push_back(b.plus);
+            if (champs_->lire(m, b.place) < b.seuil) pile_.push_back(b.suite);
+            pile_.push_back(b.suite + 1);
         }
     }
     return false;
 }
 
-void Antichaine::retirer(const Marquage& m, std::vector<std::uint32_t>& retirees) {
-    if (branches_.empty()) return;
-    const Signature signature = m.signature();
-    const std::uint64_t pliee = plier(signature);
-    pile_.assign(1, 0);
-    while (!pile_.empty()) {
-        const Branche& b = branches_[pile_.back()];
-        pile_.pop_back();
-        if (!incluse(b.intersection, signature)) continue;
-        if (b.place == FEUILLE) {
-            std::erase_if(feuilles_[b.moins], [&](const Membre& membre) {
-                const bool couvert = (membre.signature & ~pliee) == 0 && reserve_.couverte(membre.adresse, m);
-                if (couvert) retirees.push_back(membre.numero);
-                return couvert;
-            });
-        } else {
-            pile_.push_back(b.moins);
-            if (m[b.place] >= b.seuil) pile_.push_back(b.plus);
-        }
-    }
+/// The leaf where `m` belongs, of a tree that is not empty.
+std::uint32_t Antichaine::feuille(const Mot* m) const {
+    std::uint32_t ici = 0;
+    while (branches_[ici].place != FEUILLE)
+        ici = branches_[ici].suite + (champs_->lire(m, branches_[ici].place) >= branches_[ici].seuil ? 1 : 0);
+    return ici;
 }
 
-void Antichaine::ajouter(const Marquage& m, Reserve::Adresse adresse, std::uint32_t numero) {
-    if (branches_.empty()) {
-        branches_.emplace_back();
-        feuilles_.emplace_back();
+bool Antichaine::contient(const Mot* m) const {
+    if (branches_.empty()) return false;
+    const Liasse& l = feuilles_[branches_[feuille(m)].suite];
+    for (std::uint32_t i = 0; i < l.taille(); ++i)
+        if (champs_->egale(l.en(i, champs_->octets()), m)) return true;
+    return false;
+}
+
+void Antichaine::retirer(const Mot* m) {
+    if (branches_.empty()) return;
+    const std::size_t octets = champs_->octets();
+    const std::uint64_t avant = taille_;
+    pile_.assign(1, 0);
+    while (!pile_.empty()) {
+        const std::uint32_t ici = pile_.back();
+        pile_.pop_back();
+        if (!champs_->couverte(rencontre(ici), m)) continue;
+        const Branche& b = branches_[ici];
+        if (b.place == FEUILLE) {
+            Liasse& l = feuilles_[b.suite];
+            std::uint32_t restent = 0;
+            for (std::uint32_t i = 0; i < l.taille(); ++i) {
+                if (champs_->couverte(l.en(i, octets), m)) continue;
+                if (restent < i) std::copy_n(l.en(i, octets), octets, l.en(restent, octets));
+                ++restent;
+            }
+            taille_ -= l.taille() - restent;
+            if (restent < l.taille()) l.raccourcir(restent, octets);
+        } else {
+            pile_.push_back(b.suite);
+            if (champs_->lire(m, b.place) >= b.seuil) pile_.push_back(b.suite + 1);
+        }
     }
-    const Signature signature = m.signature();
-    const std::uint64_t pliee = plier(signature);
+    if (taille_ < avant && feuilles_.size() > CAPACITE && taille_ < feuilles_.size() * CLAIRSEME) rebatir(*champs_);
+}
+
+void Antichaine::ajouter(const Mot* m) {
+    if (branches_.empty()) brancher(0, m);
     std::uint32_t ici = 0;
     while (true) {
-        Branche& b = branches_[ici];
-        englober(b, signature);
+        englober(ici, m);
+        const Branche& b = branches_[ici];
         if (b.place == FEUILLE) break;
-        ici = m[b.place] >= b.seuil ? b.plus : b.moins;
+        ici = b.suite + (champs_->lire(m, b.place) >= b.seuil ? 1 : 0);
     }
-    std::vector<Membre>& feuille = feuilles_[branches_[ici].moins];
-    feuille.push_back({pliee, adresse, numero});
-    if (feuille.size() > CAPACITE) scinder(ici);
+    Liasse& l = feuilles_[branches_[ici].suite];
+    champs_->ranger(m, l.allonger(champs_->octets()));
+    ++taille_;
+    if (l.taille() > CAPACITE) scinder(ici);
+}
+
+/// Adds a leaf of its own number with join and meet `premier`.
+void Antichaine::brancher(std::uint32_t feuille, const Mot* premier) {
+    branches_.push_back({0, FEUILLE, feuille});
+    if (feuille == feuilles_.size()) feuilles_.emplace_back();
+    std::uint8_t* bornes = bornes_.ajouter();
+    champs_->ranger(premier, bornes);
+    champs_->ranger(premier, bornes + champs_->octets());
+}
+
+void Antichaine::englober(std::uint32_t branche, const Mot* m) {
+    std::uint8_t* bornes = bornes_.en(branche);
+    champs_->joindre(bornes, m);
+    champs_->rencontrer(bornes + champs_->octets(), m);
 }
 
 /// The place and the threshold that split `membres` most evenly.
-Antichaine::Coupe Antichaine::meilleureCoupe(const std::vector<Membre>& membres) const {
-    std::vector<Poids> tout;
-    for (const Membre& membre : membres) {
-        const Creux v = reserve_.creux(membre.adresse);
-        tout.insert(tout.end(), v.begin(), v.end());
-    }
-    std::ranges::sort(tout, [](const Poids& a, const Poids& b) {
-        return a.place != b.place ? a.place < b.place : a.compte > b.compte;
-    });
-    const std::size_t milieu = membres.size() / 2;
-    const auto ecart = [milieu](std::size_t plus) { return plus > milieu ? plus - milieu : milieu - plus; };
-    Coupe choix{FEUILLE, 0, 0};
-    for (std::size_t debut = 0, fin = 0; debut < tout.size(); debut = fin) {
-        while (fin < tout.size() && tout[fin].place == tout[debut].place) {
-            ++fin;
-            const bool seuilPossible =
-                fin == tout.size() || tout[fin].place != tout[debut].place || tout[fin].compte != tout[fin - 1].compte;
-            const std::size_t plus = fin - debut;
-            if (seuilPossible && plus < membres.size() && (choix.place == FEUILLE || ecart(plus) < ecart(choix.plus)))
-                choix = {tout[debut].place, tout[fin - 1].compte, plus};
+Antichaine::Coupe Antichaine::meilleureCoupe(const std::vector<std::vector<Mot>>& membres) const {
+    const auto nombre = static_cast<std::uint32_t>(membres.size());
+    Coupe choix{FEUILLE, 0, nombre};
+    std::vector<Compte> comptes(nombre);
+    for (std::uint32_t p = 0; p < champs_->places() && choix.ecart > nombre % 2; ++p) {
+        for (std::uint32_t i = 0; i < nombre; ++i) comptes[i] = champs_->lire(membres[i].data(), p);
+        std::ranges::sort(comptes);
+        for (std::uint32_t i = 1; i < nombre; ++i) {  // i members have less
+            const std::uint32_t ecart = i * 2 > nombre ? i * 2 - nombre : nombre - i * 2;
+            if (comptes[i] != comptes[i - 1] && ecart < choix.ecart) choix = {p, comptes[i], ecart};
         }
     }
     return choix;
 }
 
-void Antichaine::englober(Branche& b, const Signature& signature) {
-    for (std::size_t i = 0; i < signature.size(); ++i) {
-        b.union_[i] |= signature[i];
-        b.intersection[i] &= signature[i];
+void Antichaine::scinder(std::uint32_t branche) {
+    const std::uint32_t ancienne = branches_[branche].suite;
+    const Liasse liasse = std::exchange(feuilles_[ancienne], Liasse());
+    std::vector<std::vector<Mot>> membres(liasse.taille(), std::vector<Mot>(champs_->mots()));
+    for (std::uint32_t i = 0; i < liasse.taille(); ++i)
+        champs_->reprendre(liasse.en(i, champs_->octets()), membres[i].data());
+    const Coupe coupe = meilleureCoupe(membres);
+
+    const auto plus = [&](const std::vector<Mot>& m) { return champs_->lire(m.data(), coupe.place) >= coupe.seuil; };
+    const auto milieu = std::ranges::partition(membres, [&](const auto& m) { return !plus(m); }).begin();
+    branches_[branche] = {coupe.seuil, coupe.place, static_cast<std::uint32_t>(branches_.size())};
+    brancher(ancienne, membres.front().data());
+    brancher(static_cast<std::uint32_t>(feuilles_.size()), milieu->data());
+    for (const std::vector<Mot>& m : membres) {
+        const std::uint32_t cote = branches_[branche].suite + (plus(m) ? 1 : 0);
+        englober(cote, m.data());
+        champs_->ranger(m.data(), feuilles_[branches_[cote].suite].allonger(champs_->octets()));
     }
 }
 
-void Antichaine::scinder(std::uint32_t branche) {
-    const std::uint32_t ancienne = branches_[branche].moins;
-    std::vector<Membre> membres = std::move(feuilles_[ancienne]);
-    const Coupe coupe = meilleureCoupe(membres);
+void Antichaine::convertir(const Champs& champs) { rebatir(champs); }
 
-    const auto premiere = static_cast<std::uint32_t>(branches_.size());
-    branches_.resize(branches_.size() + 2);
-    const auto neuve = static_cast<std::uint32_t>(feuilles_.size());
-    feuilles_.emplace_back();
-    feuilles_[ancienne].clear();
-    branches_[premiere].moins = ancienne;
-    branches_[premiere + 1].moins = neuve;
-    Branche& b = branches_[branche];
-    b.place = coupe.place;
-    b.seuil = coupe.seuil;
-    b.moins = premiere;
-    b.plus = premiere + 1;
-
-    for (const Membre& membre : membres) {
-        const Creux v = reserve_.creux(membre.adresse);
-        const bool plus = valeur(v, coupe.place) >= coupe.seuil;
-        Branche& cote = branches_[premiere + (plus ? 1 : 0)];
-        englober(cote, signatureDe(v));
-        feuilles_[cote.moins].push_back(membre);
+/// Adds every member anew to an empty tree of the layout `champs`.
+void Antichaine::rebatir(const Champs& champs) {
+    const Champs& anciens = *champs_;
+    std::deque<Liasse> liasses;
+    liasses.swap(feuilles_);
+    branches_.clear();
+    champs_ = &champs;
+    bornes_ = Blocs(2 * champs.octets());
+    taille_ = 0;
+    std::vector<Mot> de(anciens.mots());
+    std::vector<Mot> vers(champs.mots());
+    for (Liasse& l : liasses) {
+        for (std::uint32_t i = 0; i < l.taille(); ++i) {
+            anciens.reprendre(l.en(i, anciens.octets()), de.data());
+            Reseau::convertir(anciens, de.data(), champs, vers.data());
+            ajouter(vers.data());
+        }
+        l = Liasse();
     }
 }
 

@@ -87,11 +87,11 @@ void Redacteur::accelerations(const std::vector<Pas>& run) {
 }
 
 void Redacteur::ensemble() {
-    for (const std::uint32_t n : resolution_.couverture.maximaux()) {
+    resolution_.couverture.pourChaqueMaximal([this](const Creux& m) {
         out_ << "set";
-        marquage(resolution_.couverture.marquage(n));
+        marquage(m);
         out_ << '\n';
-    }
+    });
 }
 
 void Redacteur::nonBornee() {

@@ -6,182 +6,252 @@
 
 namespace Reseau {
 
-Couverture::Couverture(const Net& net)
+namespace {
+
+/// Every field has room for one token from the start.
+std::vector<Compte> premiersPlafonds(const Net& net) {
+    std::vector<Compte> plafonds = net.initial;
+    for (Compte& c : plafonds) c = std::max<Compte>(c, 1);
+    return plafonds;
+}
+
+}  // namespace
+
+Couverture::Couverture(const Net& net, unsigned fils)
     : net_(net),
-      antichaine_(reserve_),
+      fils_(fils),
+      plafonds_(premiersPlafonds(net)),
+      champs_(std::make_unique<const Champs>(plafonds_, true)),
+      franchissement_(net, *champs_),
+      antichaine_(*champs_),
+      arbre_(*champs_),
       accelerations_(net),
-      besoins_(net.places.size()),
-      satisfaits_(net.transitions.size(), 0),
-      courant_(net.places.size()),
+      parent_(*champs_),
+      courant_(*champs_),
       maxima_(net.places.size(), 0),
-      temoins_(net.places.size(), 0),
-      buts_(net.places.size(), OMEGA),
-      butsManques_(net.places.size()) {
-    for (std::uint32_t t = 0; t < net.transitions.size(); ++t) {
-        if (net.transitions[t].effet.empty()) continue;  // changes nothing
-        if (net.transitions[t].pre.empty()) sources_.push_back(t);
-        for (const Poids& p : net.transitions[t].pre) besoins_[p.place].push_back({t, p.compte});
-    }
+      buts_(net.places.size(), OMEGA) {}
+
+void Couverture::garderLesChemins() {
+    chemins_ = true;
+    arbre_.toutGarder();
 }
 
 bool Couverture::explorer(std::uint64_t limite, bool arretOmega) {
-    if (!commencee_) {
-        commencee_ = true;
-        for (std::uint32_t p = 0; p < net_.places.size(); ++p) courant_.poser(p, net_.initial[p]);
-        garder(AUCUN, AUCUN, {});
+    if (!commencee_) commencer();
+    return incomparables_ && !chemins_ ? enumerer(limite) : construire(limite, arretOmega);
+}
+
+void Couverture::commencer() {
+    commencee_ = true;
+    for (std::uint32_t p = 0; p < net_.places.size(); ++p) courant_.poser(p, net_.initial[p]);
+    garder(AUCUN, AUCUN, {});
+}
+
+/// Whether every place has been seen with the tokens aimed at.
+bool Couverture::atteinte() const {
+    return std::ranges::equal(maxima_, buts_, [](Compte maximum, Compte but) { return maximum >= but; });
+}
+
+bool Couverture::construire(std::uint64_t limite, bool arretOmega) {
+    while (true) {
+        const std::uint32_t noeud = sommet();
+        if (noeud == AUCUN || (arretOmega && nonBornee_) || atteinte()) return true;
+        if (explores_ >= limite || gardes_ / 4 >= limite) return false;
+        developper(noeud);
     }
-    while (!frontiere_.empty()) {
-        if ((arretOmega && nonBornee_) || butsManques_ == 0) return true;
-        const std::uint32_t numero = frontiere_.top().numero;
-        if (retires_[numero]) {
-            frontiere_.pop();
-            continue;
-        }
-        if (explores_ >= limite || noeuds_.size() / 4 >= limite) return false;
-        frontiere_.pop();
-        developper(numero);
+}
+
+bool Couverture::enumerer(std::uint64_t limite) {
+    if (!enumeration_) ceder();
+    while (!enumeration_->finie()) {
+        if (atteinte()) return true;
+        if (explores_ >= limite || enumeration_->taille() / 4 >= limite) return false;
+        explores_ += enumeration_->avancer(limite - explores_);
     }
     return true;
 }
 
-void Couverture::viser(std::vector<Compte> buts) {
-    buts_ = std::move(buts);
-    butsManques_ = 0;
-    for (std::size_t p = 0; p < buts_.size(); ++p) butsManques_ += maxima_[p] < buts_[p];
-}
-
-void Couverture::developper(std::uint32_t numero) {
-    ++explores_;
-    reserve_.lire(noeuds_[numero].adresse, courant_);
-    tirables();
-    for (const std::uint32_t t : tirables_) {
-        if (!augmente(t)) continue;
-        successeur(numero, t);
-        // Its coverer stands in the frontier and is expanded in its place.
-        if (retires_[numero]) break;
+/// Hands everything over to an enumeration.
+void Couverture::ceder() {
+    enumeration_ = std::make_unique<Enumeration>(net_, maxima_, fils_);
+    std::vector<std::uint32_t> attente;
+    for (std::uint32_t n = sommet(); n != AUCUN; n = sommet()) {
+        attente.push_back(n);
+        oterSommet();
     }
-}
-
-/// Whether firing adds to a finite place of `courant_`; otherwise what comes of it is covered where it comes from.
-bool Couverture::augmente(std::uint32_t tir) const {
-    return std::ranges::any_of(net_.transitions[tir].effet,
-                               [this](const Poids& e) { return e.compte > 0 && courant_[e.place] != OMEGA; });
-}
-
-/// The transitions that `courant_` enables, found from its marked places.
-void Couverture::tirables() {
-    tirables_ = sources_;
-    const auto compter = [this](auto&& f) {
-        courant_.pourChaque([&](std::uint32_t p, Compte c) {
-            for (const Besoin& b : besoins_[p])
-                if (c >= b.compte) f(b.transition);
-        });
-    };
-    compter([this](std::uint32_t t) {
-        if (++satisfaits_[t] == net_.transitions[t].pre.size()) tirables_.push_back(t);
+    for (auto n = attente.rbegin(); n != attente.rend(); ++n) {
+        arbre_.lire(*n, courant_.mots());
+        enumeration_->admettre(champs_->creux(courant_.mots()), true);
+    }
+    antichaine_.pourChaque([this](const std::uint8_t* garde) {
+        champs_->reprendre(garde, courant_.mots());
+        enumeration_->admettre(champs_->creux(courant_.mots()), false);
     });
-    compter([this](std::uint32_t t) { satisfaits_[t] = 0; });
+    antichaine_ = Antichaine(*champs_);
+    arbre_ = Arbre(*champs_);
 }
 
-void Couverture::successeur(std::uint32_t parent, std::uint32_t tir) {
-    for (const Poids& e : net_.transitions[tir].effet) courant_.poser(e.place, somme(courant_[e.place], e.compte));
-    std::vector<std::uint32_t> appliquees;
-    accelerations_.appliquer(courant_, appliquees);
-    if (!connu()) {
-        const std::uint32_t omegas = courant_.omegas();
-        if (!incomparables_) accelerer(parent, tir, appliquees);
-        if (courant_.omegas() == omegas || !connu()) garder(parent, tir, std::move(appliquees));
+/// The node of the frontier to be expanded next, or AUCUN; those whose markings have been retired are dropped.
+std::uint32_t Couverture::sommet() {
+    while (!frontiere_.empty()) {
+        const std::uint32_t n = frontiere_.rbegin()->second;
+        arbre_.lire(n, parent_.mots());
+        if (antichaine_.contient(parent_.mots())) return n;
+        oterSommet();
+        arbre_.lacher(n);
     }
-    courant_.annuler();
+    return AUCUN;
 }
 
-bool Couverture::connu() {
-    const auto egale = [this](std::uint32_t n) { return reserve_.egale(noeuds_[n].adresse, courant_); };
-    return registre_.contient(Registre::empreinte(courant_), egale) ||
-           (!incomparables_ && antichaine_.couvre(courant_));
+void Couverture::oterSommet() {
+    const auto dernier = std::prev(frontiere_.end());
+    dernier->second = arbre_.suivant(dernier->second);
+    if (dernier->second == AUCUN) frontiere_.erase(dernier);
 }
 
-/// The ancestors to compare with: all the near ones, then those at depths that are multiples of REPERE.
-std::uint32_t Couverture::suivantAncetre(std::uint32_t numero, std::uint32_t pas) const {
-    return pas < REPERE ? noeuds_[numero].parent : noeuds_[numero].repere;
+/// Expands the topmost node of the frontier, whose marking is in `parent_`.
+void Couverture::developper(std::uint32_t noeud) {
+    ++explores_;
+    oterSommet();
+    lignee_.suivre(arbre_, *champs_, noeud);
+    for (std::uint32_t t = 0; t < franchissement_.nombre(); ++t) {
+        if (!franchissement_.utile(t, parent_.mots())) continue;
+        // Its coverer stands in the frontier and is expanded in its place.
+        if (successeur(noeud, t) && champs_->couvre(courant_.mots(), parent_.mots())) break;
+    }
+    arbre_.lacher(noeud);
 }
 
-/// Appends the last steps that led to `numero`, in reverse: its accelerations, then its transition.
-void Couverture::pasDe(std::uint32_t numero, std::vector<Pas>& envers) const {
-    if (const auto i = appliquees_.find(numero); i != appliquees_.end())
-        for (auto a = i->second.rbegin(); a != i->second.rend(); ++a) envers.push_back({Pas::POMPE, *a});
-    if (noeuds_[numero].tir != AUCUN) envers.push_back({Pas::TIR, noeuds_[numero].tir});
+/// @return whether the successor is kept
+bool Couverture::successeur(std::uint32_t parent, std::uint32_t tir) {
+    Manque manque;
+    courant_ = parent_;
+    while (!franchissement_.tirer(tir, courant_.mots(), manque)) {
+        elargir(manque);
+        courant_ = parent_;
+    }
+    std::vector<std::uint32_t> pompes;
+    accelerations_.appliquer(courant_, pompes);
+    if (connu()) return false;
+    if (!incomparables_ && accelerer(tir, pompes) && connu()) return false;
+    garder(parent, tir, std::move(pompes));
+    return true;
 }
 
-/// Compares `courant_`, reached from `parent` by `tir` and `appliquees`, with its ancestors until none is
-/// strictly covered.
-void Couverture::accelerer(std::uint32_t parent, std::uint32_t tir, std::vector<std::uint32_t>& appliquees) {
-    bool change = true;
-    while (change) {
+bool Couverture::connu() const {
+    return antichaine_.contient(courant_.mots()) || (!incomparables_ && antichaine_.couvre(courant_.mots()));
+}
+
+/// Whether the ancestor is below `courant_`, and less in some place that is finite there.
+bool Couverture::depasse(const Mot* ancetre) const {
+    if (!champs_->couvre(courant_.mots(), ancetre)) return false;
+    for (std::uint32_t p = 0; p < champs_->places(); ++p)
+        if (courant_[p] != OMEGA && champs_->lire(ancetre, p) < courant_[p]) return true;
+    return false;
+}
+
+/// Compares `courant_`, reached from the last of `lignee_` by `tir` and `pompes`, with its ancestors until none is
+/// strictly covered: the near ones, and then those at depths that are multiples of PROCHES.
+/// @return whether it has changed
+bool Couverture::accelerer(std::uint32_t tir, std::vector<std::uint32_t>& pompes) {
+    bool accelere = false;
+    for (bool change = true; change;) {
         change = false;
         std::uint32_t pas = 0;
-        for (std::uint32_t a = parent; a != AUCUN; a = suivantAncetre(a, pas++)) {
-            if (!reserve_.depassee(noeuds_[a].adresse, courant_)) continue;
+        for (std::uint32_t d = lignee_.profondeur() + 1; d > 0; ++pas) {
+            d = pas < PROCHES ? d - 1 : (d - 1) / PROCHES * PROCHES;
+            if (!depasse(lignee_.mots(d))) continue;
             std::vector<Pas> chemin;
-            for (auto i = appliquees.rbegin(); i != appliquees.rend(); ++i) chemin.push_back({Pas::POMPE, *i});
+            for (auto i = pompes.rbegin(); i != pompes.rend(); ++i) chemin.push_back({Pas::POMPE, *i});
             chemin.push_back({Pas::TIR, tir});
-            for (std::uint32_t n = parent; n != a; n = noeuds_[n].parent) pasDe(n, chemin);
+            arbre_.remonter(lignee_.noeud(lignee_.profondeur()), lignee_.noeud(d), chemin);
             std::ranges::reverse(chemin);
-            if (accelerations_.nombre() == 0) tige_ = a;
+            if (accelerations_.nombre() == 0) tige_ = arbre_.chemin(lignee_.noeud(d));
             const std::uint32_t neuve = accelerations_.apprendre(std::move(chemin));
             pomper(accelerations_[neuve], courant_);
-            appliquees.push_back(neuve);
-            accelerations_.appliquer(courant_, appliquees);
-            change = true;
+            pompes.push_back(neuve);
+            accelerations_.appliquer(courant_, pompes);
+            accelere = change = true;
         }
     }
+    return accelere;
 }
 
-void Couverture::garder(std::uint32_t parent, std::uint32_t tir, std::vector<std::uint32_t> appliquees) {
-    const auto numero = static_cast<std::uint32_t>(noeuds_.size());
-    Noeud n{reserve_.ranger(courant_), parent, tir, AUCUN, 0};
-    if (parent != AUCUN) {
-        n.profondeur = noeuds_[parent].profondeur + 1;
-        n.repere = noeuds_[parent].profondeur % REPERE == 0 ? parent : noeuds_[parent].repere;
-    }
-    noeuds_.push_back(n);
-    retires_.push_back(false);
-    if (!appliquees.empty()) appliquees_.emplace(numero, std::move(appliquees));
+void Couverture::garder(std::uint32_t parent, std::uint32_t tir, std::vector<std::uint32_t> pompes) {
+    ++gardes_;
+    if (!incomparables_) antichaine_.retirer(courant_.mots());
+    antichaine_.ajouter(courant_.mots());
 
-    if (!incomparables_) {
-        couvertes_.clear();
-        antichaine_.retirer(courant_, couvertes_);
-        for (const std::uint32_t c : couvertes_) retires_[c] = true;
-        antichaine_.ajouter(courant_, n.adresse, numero);
-    }
-    registre_.ajouter(Registre::empreinte(courant_), numero);
-
+    std::uint32_t omegas = 0;
     std::uint64_t jetons = 0;
-    courant_.pourChaque([&](std::uint32_t p, Compte c) {
-        if (c > maxima_[p]) {
-            if (maxima_[p] < buts_[p] && c >= buts_[p]) --butsManques_;
-            maxima_[p] = c;
-            temoins_[p] = numero;
-        }
-        if (c != OMEGA && __builtin_add_overflow(jetons, static_cast<std::uint64_t>(c), &jetons))
+    for (std::uint32_t p = 0; p < champs_->places(); ++p) {
+        const Compte c = courant_[p];
+        maxima_[p] = std::max(maxima_[p], c);
+        if (c == OMEGA)
+            ++omegas;
+        else if (__builtin_add_overflow(jetons, static_cast<std::uint64_t>(c), &jetons))
             jetons = ~std::uint64_t{0};
+    }
+    nonBornee_ = nonBornee_ || omegas > 0;
+    const std::uint32_t noeud = arbre_.ajouter(courant_.mots(), parent, tir, std::move(pompes));
+    const auto liste = frontiere_.try_emplace({omegas, jetons}, AUCUN).first;
+    arbre_.suivant(noeud) = std::exchange(liste->second, noeud);
+}
+
+/// Makes room for a count, and for what comes next to it: the more often, the more.
+void Couverture::elargir(const Manque& manque) {
+    plafonds_[manque.place] = manque.compte;
+    if (++elargissements_ % MODERATION == 0)
+        for (Compte& c : plafonds_) c = c > OMEGA / 4 ? c : 2 * c + 1;
+    auto champs = std::make_unique<const Champs>(plafonds_, true);
+    antichaine_.convertir(*champs);
+    arbre_.convertir(*champs);
+    lignee_.convertir(*champs_, *champs);
+    const auto porter = [&](Marquage& m) {
+        Marquage nouveau(*champs);
+        convertir(*champs_, m.mots(), *champs, nouveau.mots());
+        m = std::move(nouveau);
+    };
+    porter(parent_);
+    porter(courant_);
+    franchissement_.traduire(*champs);
+    champs_ = std::move(champs);
+}
+
+Creux Couverture::temoin(std::uint32_t place) const {
+    const Champs& champs = enumeration_ ? enumeration_->champs() : *champs_;
+    std::vector<Mot> meilleur;
+    const auto examiner = [&](const Mot* m) {
+        if (champs.lire(m, place) != maxima_[place]) return;
+        const auto fin = m + champs.mots();
+        if (meilleur.empty() || champs.precede(m, meilleur.data())) meilleur.assign(m, fin);
+    };
+    parcourir(examiner);
+    return champs.creux(meilleur.data());
+}
+
+std::vector<Pas> Couverture::chemin(const Creux& marquage) const {
+    Marquage m(*champs_);
+    for (const Poids& p : marquage) m.poser(p.place, p.compte);
+    return arbre_.chemin(arbre_.chercher(m.mots()));
+}
+
+void Couverture::pourChaqueMaximal(const std::function<void(const Creux&)>& f) const {
+    const Champs& champs = enumeration_ ? enumeration_->champs() : *champs_;
+    parcourir([&](const Mot* m) { f(champs.creux(m)); });
+}
+
+/// Calls f(words) for each maximal marking.
+void Couverture::parcourir(const std::function<void(const Mot*)>& f) const {
+    if (enumeration_) {
+        enumeration_->pourChaque(f);
+        return;
+    }
+    std::vector<Mot> m(champs_->mots());
+    antichaine_.pourChaque([&](const std::uint8_t* garde) {
+        champs_->reprendre(garde, m.data());
+        f(m.data());
     });
-    nonBornee_ = nonBornee_ || courant_.omegas() > 0;
-    frontiere_.push({courant_.omegas(), numero, jetons});
-}
-
-std::vector<Pas> Couverture::chemin(std::uint32_t numero) const {
-    std::vector<Pas> pas;
-    for (std::uint32_t n = numero; n != AUCUN; n = noeuds_[n].parent) pasDe(n, pas);
-    std::ranges::reverse(pas);
-    return pas;
-}
-
-std::vector<std::uint32_t> Couverture::maximaux() const {
-    std::vector<std::uint32_t> numeros;
-    for (std::uint32_t n = 0; n < noeuds_.size(); ++n)
-        if (!retires_[n]) numeros.push_back(n);
-    return numeros;
 }
 
 }  // namespace Reseau

@@ -71,7 +71,7 @@ Rapport analyser(const Net& net, const Options& options) {
     std::vector<std::unique_ptr<Resolution>> resolutions;
     Rapport rapport;
     for (const Partie& partie : parties) {
-        resolutions.push_back(std::make_unique<Resolution>(partie.net));
+        resolutions.push_back(std::make_unique<Resolution>(partie.net, options.fils));
         resolutions.back()->essayer(options);
         rapport.bornee = rapport.bornee && resolutions.back()->bornee();
         if (options.verdictSeul && !rapport.bornee) break;

@@ -14,6 +14,8 @@ struct Options {
     bool preuves = false;      ///< with a certificate
     std::uint64_t essai =
         1000;  ///< markings expanded before the state equation is asked; any number gives the same bounds
+    unsigned fils =
+        0;  ///< threads that may take part, 0 for as many as there are cores; any number gives the same report
 };
 
 struct Rapport {

@@ -22,6 +22,7 @@ constexpr Large TOUT = static_cast<Large>(1) << 126;  // any finite bound is goo
 
 void Resolution::essayer(const Options& options) {
     majorations.resize(net_.places.size());
+    if (options.preuves) couverture.garderLesChemins();
     if (sommeConstante(net_)) couverture.declarerIncomparables();
     fini_ = couverture.explorer(options.essai, options.verdictSeul);
 }
@@ -77,7 +78,7 @@ Compte Resolution::borne(std::uint32_t place) const {
 bool Resolution::parCourse(std::uint32_t place) const { return tireur.minorants()[place] > couverture.maxima()[place]; }
 
 Creux Resolution::temoin(std::uint32_t place) const {
-    return parCourse(place) ? tireur.arrivee(tireur.course(place)) : couverture.marquage(couverture.temoin(place));
+    return parCourse(place) ? tireur.arrivee(tireur.course(place)) : couverture.temoin(place);
 }
 
 }  // namespace Reseau

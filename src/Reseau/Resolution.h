@@ -23,7 +23,8 @@ namespace Reseau {
 class Resolution {
 public:
     /// @param net must outlive it
-    explicit Resolution(const Net& net) : couverture(net), tireur(net), net_(net) {}
+    /// @param fils see Options
+    Resolution(const Net& net, unsigned fils) : couverture(net, fils), tireur(net), net_(net) {}
 
     /// The short exploration.
     /// @throws Debordement, std::bad_alloc

@@ -1,0 +1,96 @@
+#include "Reseau/Arbre.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+namespace Reseau {
+
+std::uint32_t Arbre::ajouter(const Mot* m, std::uint32_t parent, std::uint32_t tir, std::vector<std::uint32_t> pompes) {
+    std::uint32_t n = libre_;
+    if (n == AUCUN) {
+        if (noeuds_.size() == AUCUN) throw std::bad_alloc();
+        n = static_cast<std::uint32_t>(noeuds_.size());
+        noeuds_.emplace_back();
+        gardes_.ajouter();
+    } else {
+        libre_ = noeuds_[n].suivant;
+    }
+    champs_->ranger(m, gardes_.en(n));
+    const std::uint32_t profondeur = parent == AUCUN ? 0 : noeuds_[parent].profondeur + 1;
+    noeuds_[n] = {parent, tir, profondeur, 1, AUCUN, noeuds_[n].generation + 1};
+    if (parent != AUCUN) ++noeuds_[parent].besoin;
+    if (!pompes.empty()) pompes_.emplace(n, std::move(pompes));
+    return n;
+}
+
+void Arbre::lacher(std::uint32_t n) {
+    if (toutGarder_) return;
+    while (n != AUCUN && --noeuds_[n].besoin == 0) {
+        pompes_.erase(n);
+        noeuds_[n].suivant = std::exchange(libre_, n);
+        n = noeuds_[n].parent;
+    }
+}
+
+void Arbre::remonter(std::uint32_t n, std::uint32_t ancetre, std::vector<Pas>& envers) const {
+    for (; n != ancetre; n = noeuds_[n].parent) {
+        if (const auto i = pompes_.find(n); i != pompes_.end())
+            for (auto a = i->second.rbegin(); a != i->second.rend(); ++a) envers.push_back({Pas::POMPE, *a});
+        if (noeuds_[n].tir != AUCUN) envers.push_back({Pas::TIR, noeuds_[n].tir});
+    }
+}
+
+std::vector<Pas> Arbre::chemin(std::uint32_t n) const {
+    std::vector<Pas> pas;
+    remonter(n, AUCUN, pas);
+    std::ranges::reverse(pas);
+    return pas;
+}
+
+std::uint32_t Arbre::chercher(const Mot* m) const {
+    for (std::uint32_t n = 0; n < noeuds_.size(); ++n)
+        if (noeuds_[n].besoin > 0 && champs_->egale(gardes_.en(n), m)) return n;
+    return AUCUN;
+}
+
+void Arbre::convertir(const Champs& champs) {
+    Blocs neuves(champs.octets());
+    std::vector<Mot> de(champs_->mots());
+    std::vector<Mot> vers(champs.mots());
+    for (std::uint32_t n = 0; n < noeuds_.size(); ++n) {
+        std::uint8_t* place = neuves.ajouter();
+        if (noeuds_[n].besoin == 0) continue;
+        lire(n, de.data());
+        Reseau::convertir(*champs_, de.data(), champs, vers.data());
+        champs.ranger(vers.data(), place);
+    }
+    gardes_ = std::move(neuves);
+    champs_ = &champs;
+}
+
+void Lignee::suivre(const Arbre& arbre, const Champs& champs, std::uint32_t n) {
+    pas_ = champs.mots();
+    montee_.clear();
+    for (; n != Arbre::AUCUN; n = arbre.parent(n)) {
+        const std::uint32_t p = arbre.profondeur(n);
+        if (p < noeuds_.size() && noeuds_[p] == std::pair(n, arbre.generation(n))) break;
+        montee_.push_back(n);
+    }
+    noeuds_.resize(n == Arbre::AUCUN ? 0 : arbre.profondeur(n) + 1);
+    mots_.resize((noeuds_.size() + montee_.size()) * pas_);
+    for (auto i = montee_.rbegin(); i != montee_.rend(); ++i) {
+        arbre.lire(*i, &mots_[noeuds_.size() * pas_]);
+        noeuds_.emplace_back(*i, arbre.generation(*i));
+    }
+}
+
+void Lignee::convertir(const Champs& de, const Champs& vers) {
+    std::vector<Mot> mots(noeuds_.size() * vers.mots());
+    for (std::size_t i = 0; i < noeuds_.size(); ++i)
+        Reseau::convertir(de, &mots_[i * de.mots()], vers, &mots[i * vers.mots()]);
+    mots_ = std::move(mots);
+    pas_ = vers.mots();
+}
+
+}  // namespace Reseau

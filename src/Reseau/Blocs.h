@@ -1,0 +1,49 @@
+// An array of records of one size that grows and shrinks by blocks: what stands in it stays where it is, and there is
+// never a larger copy beside a smaller one.
+#pragma once
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "Reseau/Champs.h"
+
+namespace Reseau {
+
+class Blocs {
+public:
+    /// @param octets of a record
+    explicit Blocs(std::size_t octets)
+        : octets_(octets), rang_(std::countr_zero(std::bit_floor(std::max<std::size_t>(1, BLOC / octets)))) {}
+
+    std::size_t taille() const { return taille_; }
+    std::uint8_t* en(std::size_t i) { return blocs_[i >> rang_].get() + (i & (parBloc() - 1)) * octets_; }
+    const std::uint8_t* en(std::size_t i) const { return blocs_[i >> rang_].get() + (i & (parBloc() - 1)) * octets_; }
+
+    /// @return a new record at the end, its bytes undetermined
+    /// @throws std::bad_alloc
+    std::uint8_t* ajouter() {
+        if (taille_ >> rang_ == blocs_.size())
+            blocs_.push_back(std::make_unique_for_overwrite<std::uint8_t[]>(parBloc() * octets_ + Champs::MARGE));
+        return en(taille_++);
+    }
+    /// Drops the last record, whose bytes stay readable until the next call.
+    void oter() {
+        --taille_;
+        while (blocs_.size() > (taille_ >> rang_) + 1) blocs_.pop_back();
+    }
+
+private:
+    static constexpr std::size_t BLOC = 16384;  // bytes, about
+
+    std::size_t parBloc() const { return std::size_t{1} << rang_; }
+
+    std::size_t octets_;
+    int rang_;  // a block holds 2^rang_ records
+    std::size_t taille_ = 0;
+    std::vector<std::unique_ptr<std::uint8_t[]>> blocs_;
+};
+
+}  // namespace Reseau

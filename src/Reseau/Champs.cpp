@@ -1,0 +1,56 @@
+// The layout: wide fields first, each into the first word with room for it.
+#include "Reseau/Champs.h"
+
+#include <numeric>
+
+namespace Reseau {
+
+Champs::Champs(const std::vector<Compte>& plafonds, bool omegas) : champs_(plafonds.size()), omegas_(omegas) {
+    const unsigned garde = omegas ? 1 : 0;
+    std::vector<unsigned> largeurs(plafonds.size());
+    for (std::size_t p = 0; p < plafonds.size(); ++p)
+        largeurs[p] =
+            static_cast<unsigned>(std::bit_width(std::max<Mot>(1, static_cast<Mot>(plafonds[p]) + garde))) + garde;
+    std::vector<std::uint32_t> ordre(plafonds.size());
+    std::iota(ordre.begin(), ordre.end(), 0U);
+    std::ranges::stable_sort(ordre, [&](std::uint32_t a, std::uint32_t b) { return largeurs[a] > largeurs[b]; });
+
+    constexpr unsigned MOT = 64;
+    const unsigned etroite = ordre.empty() ? MOT : largeurs[ordre.back()];
+    std::vector<unsigned> pris{0};
+    std::size_t premier = 0;  // no word before it has room for any field
+    for (const std::uint32_t p : ordre) {
+        while (premier < pris.size() && pris[premier] + etroite > MOT) ++premier;
+        std::size_t i = premier;
+        while (i < pris.size() && pris[i] + largeurs[p] > MOT) ++i;
+        if (i == pris.size()) pris.push_back(0);
+        champs_[p] = {(Mot{1} << (largeurs[p] - garde)) - 1, static_cast<std::uint32_t>(i), pris[i]};
+        pris[i] += largeurs[p];
+    }
+    mots_.resize(pris.size());
+    for (std::size_t i = 0; i < pris.size(); ++i) mots_[i].utile = pris[i] == MOT ? ~Mot{0} : (Mot{1} << pris[i]) - 1;
+    if (omegas)
+        for (const Champ& c : champs_) mots_[c.mot].gardes |= (c.masque + 1) << c.decalage;
+    octets_ = (pris.size() - 1) * sizeof(Mot) + std::max<std::size_t>(1, (pris.back() + 7) / 8);
+    mots_.back().utile = octets_ % sizeof(Mot) == 0 ? ~Mot{0} : (Mot{1} << (octets_ % sizeof(Mot) * 8)) - 1;
+}
+
+Creux Champs::creux(const Mot* m) const {
+    Creux v;
+    for (std::uint32_t p = 0; p < places(); ++p)
+        if (const Compte c = lire(m, p); c != 0) v.push_back({p, c});
+    return v;
+}
+
+bool Champs::precede(const Mot* a, const Mot* b) const {
+    for (std::uint32_t p = 0; p < places(); ++p)
+        if (lire(a, p) != lire(b, p)) return lire(a, p) > lire(b, p);
+    return false;
+}
+
+void convertir(const Champs& de, const Mot* m, const Champs& vers, Mot* resultat) {
+    std::fill_n(resultat, vers.mots(), Mot{0});
+    for (std::uint32_t p = 0; p < de.places(); ++p) vers.poser(resultat, p, de.lire(m, p));
+}
+
+}  // namespace Reseau

@@ -1,0 +1,153 @@
+// How a marking is packed: one bit field for each place, just wide enough for the largest count that has been met
+// there. The fields lie in 64-bit words and never across two. A marking that is worked on is its words; one that is
+// kept is their bytes, without those at the end that no field uses.
+//
+// Where omega can occur, all ones stand for it and a guard bit follows each field. Then one marking is compared with
+// another in all places of a word at once: set the guards, subtract, and see which guards were borrowed from. Source:
+// L. Lamport, "Multiple byte processing with full-word instructions", Communications of the ACM 18 (1975).
+//
+// A count that does not fit asks for a new layout, and what is kept is converted. That happens a few times for each
+// place, since a field grows by whole bits.
+#pragma once
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "Reseau/Net.h"
+
+namespace Reseau {
+
+using Mot = std::uint64_t;
+
+class Champs {
+public:
+    /// Bytes that must be readable behind a kept marking.
+    static constexpr std::size_t MARGE = sizeof(Mot);
+
+    /// @param plafonds for each place, the largest finite count that must fit
+    /// @param omegas whether places can hold OMEGA, too
+    Champs(const std::vector<Compte>& plafonds, bool omegas);
+
+    std::uint32_t places() const { return static_cast<std::uint32_t>(champs_.size()); }
+    std::size_t mots() const { return mots_.size(); }
+    std::size_t octets() const { return octets_; }
+
+    Compte lire(const Mot* m, std::uint32_t p) const {
+        const Mot v = (m[champs_[p].mot] >> champs_[p].decalage) & champs_[p].masque;
+        return omegas_ && v == champs_[p].masque ? OMEGA : static_cast<Compte>(v);
+    }
+    /// @param c OMEGA or at most `plafond(p)`
+    void poser(Mot* m, std::uint32_t p, Compte c) const {
+        const Champ& champ = champs_[p];
+        Mot& mot = m[champ.mot];
+        mot = (mot & ~(champ.masque << champ.decalage)) | (static_cast<Mot>(c) & champ.masque) << champ.decalage;
+    }
+    /// The largest finite count that fits.
+    Compte plafond(std::uint32_t p) const { return static_cast<Compte>(champs_[p].masque) - (omegas_ ? 1 : 0); }
+    Creux creux(const Mot* m) const;
+    /// Whether `a` comes before `b` in the order by the first place that differs, the larger count first; no layout
+    /// changes it.
+    bool precede(const Mot* a, const Mot* b) const;
+
+    void ranger(const Mot* m, std::uint8_t* garde) const {
+        for (std::size_t i = 0; i + 1 < mots_.size(); ++i) ecrire(garde + i * sizeof(Mot), m[i], sizeof(Mot));
+        const std::size_t dernier = (mots_.size() - 1) * sizeof(Mot);
+        ecrire(garde + dernier, m[mots_.size() - 1], octets_ - dernier);
+    }
+    void reprendre(const std::uint8_t* garde, Mot* m) const {
+        for (std::size_t i = 0; i < mots_.size(); ++i) m[i] = mot(garde, i);
+    }
+    bool egale(const std::uint8_t* garde, const Mot* m) const {
+        for (std::size_t i = 0; i < mots_.size(); ++i)
+            if (mot(garde, i) != m[i]) return false;
+        return true;
+    }
+    /// @return kept >= m, place by place
+    bool couvre(const std::uint8_t* garde, const Mot* m) const {
+        for (std::size_t i = 0; i < mots_.size(); ++i)
+            if (!atteint(mot(garde, i), m[i], mots_[i].gardes)) return false;
+        return true;
+    }
+    /// @return kept <= m, place by place
+    bool couverte(const std::uint8_t* garde, const Mot* m) const {
+        for (std::size_t i = 0; i < mots_.size(); ++i)
+            if (!atteint(m[i], mot(garde, i), mots_[i].gardes)) return false;
+        return true;
+    }
+    /// Raises the kept marking to the larger count of each place.
+    void joindre(std::uint8_t* garde, const Mot* m) const {
+        if (!couvre(garde, m)) unir(garde, m, [](Compte a, Compte b) { return std::max(a, b); });
+    }
+    /// Lowers the kept marking to the smaller count of each place.
+    void rencontrer(std::uint8_t* garde, const Mot* m) const {
+        if (!couverte(garde, m)) unir(garde, m, [](Compte a, Compte b) { return std::min(a, b); });
+    }
+    /// @return a >= b, place by place
+    bool couvre(const Mot* a, const Mot* b) const {
+        for (std::size_t i = 0; i < mots_.size(); ++i)
+            if (!atteint(a[i], b[i], mots_[i].gardes)) return false;
+        return true;
+    }
+
+    /// Where a place stands, for those who translate arcs into fields.
+    struct Champ {
+        Mot masque = 0;  // of the count, before it is shifted
+        std::uint32_t mot = 0;
+        std::uint32_t decalage = 0;
+    };
+    const Champ& champ(std::uint32_t p) const { return champs_[p]; }
+    bool omegas() const { return omegas_; }
+
+private:
+    struct Masques {
+        Mot utile = 0;
+        Mot gardes = 0;
+    };
+
+    // The first byte of a kept marking is the lowest of its first word, on any machine.
+    static Mot memoire(Mot mot) {
+        if constexpr (std::endian::native == std::endian::big) return __builtin_bswap64(mot);
+        return mot;
+    }
+    static void ecrire(std::uint8_t* ou, Mot mot, std::size_t octets) {
+        const Mot m = memoire(mot);
+        std::memcpy(ou, &m, octets);
+    }
+    Mot mot(const std::uint8_t* garde, std::size_t i) const {
+        Mot m = 0;
+        std::memcpy(&m, garde + i * sizeof(Mot), sizeof m);
+        return memoire(m) & mots_[i].utile;
+    }
+    template <class F>
+    void unir(std::uint8_t* garde, const Mot* m, F&& choisir) const {
+        std::vector<Mot> mots(mots_.size());
+        reprendre(garde, mots.data());
+        for (std::uint32_t p = 0; p < places(); ++p) poser(mots.data(), p, choisir(lire(mots.data(), p), lire(m, p)));
+        ranger(mots.data(), garde);
+    }
+    static bool atteint(Mot plus, Mot moins, Mot gardes) { return (((plus | gardes) - moins) & gardes) == gardes; }
+
+    std::vector<Champ> champs_;
+    std::vector<Masques> mots_;
+    std::size_t octets_ = 0;
+    bool omegas_;
+};
+
+/// Takes a marking from one layout to another that holds its counts.
+void convertir(const Champs& de, const Mot* m, const Champs& vers, Mot* resultat);
+
+/// The hash of a marking's words.
+inline std::uint64_t empreinte(const Mot* m, std::size_t mots) {
+    std::uint64_t h = 0;
+    for (std::size_t i = 0; i < mots; ++i) {
+        h = (h ^ m[i]) * 0x9E3779B97F4A7C15U;
+        h ^= h >> 32;
+    }
+    h *= 0xD6E8FEB86659FD93U;
+    return h ^ (h >> 32);
+}
+
+}  // namespace Reseau

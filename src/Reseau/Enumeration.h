@@ -1,0 +1,94 @@
+// The reachable markings of a net in which none covers another one: all of them are maximal, and finding each once is
+// all there is to do. No tree is kept and no index, but a set and the stack of those that are not expanded yet.
+//
+// The work goes in batches from the top of the stack: the successors of a batch are made first, and sorted by hash into
+// SECTIONS; then each section's set takes up its own. Both halves are shared out among threads. A section sees its
+// markings in the order of the batch whoever made them, so the number of threads changes nothing but the time.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "Reseau/Blocs.h"
+#include "Reseau/Champs.h"
+#include "Reseau/Ensemble.h"
+#include "Reseau/Equipe.h"
+#include "Reseau/Franchissement.h"
+#include "Reseau/Net.h"
+
+namespace Reseau {
+
+class Enumeration {
+public:
+    /// @param net must outlive it
+    /// @param maxima the largest counts seen so far, by place, all finite; kept up to date here
+    /// @param fils threads, 0 for as many as there are cores
+    Enumeration(const Net& net, std::vector<Compte>& maxima, unsigned fils);
+
+    /// Adds a marking whose counts do not exceed the maxima.
+    /// @param aDevelopper whether its successors are still to be found
+    void admettre(const Creux& marquage, bool aDevelopper);
+
+    bool finie() const { return pile_.taille() == 0; }
+    /// Expands one batch of at most `limite` > 0 markings.
+    /// @return how many
+    /// @throws Debordement, std::bad_alloc
+    std::uint64_t avancer(std::uint64_t limite);
+
+    /// Markings found.
+    std::uint64_t taille() const;
+    /// Bytes of a packed marking.
+    std::size_t octets() const { return champs_.octets(); }
+    std::uint64_t enAttente() const { return pile_.taille(); }
+
+    /// Calls f(marking's words) for each marking found.
+    template <class F>
+    void pourChaque(F&& f) const {
+        std::vector<Mot> mots(champs_.mots());
+        for (const Ensemble& e : sections_)
+            e.pourChaque(champs_, [&](const std::uint8_t* garde) {
+                champs_.reprendre(garde, mots.data());
+                f(mots.data());
+            });
+    }
+    const Champs& champs() const { return champs_; }
+
+private:
+    static constexpr unsigned SECTIONS = 16;
+    static constexpr std::uint64_t LOT = 8192;  // markings of a batch at most
+    static constexpr std::uint64_t SEUL = 256;  // a batch below is not worth waking threads
+
+    /// What one thread makes of its slice of the batch.
+    struct Tranche {
+        std::array<std::vector<Mot>, SECTIONS> successeurs;  // each with its hash in front
+        std::vector<Compte> maxima;
+        std::vector<Mot> courant;
+        bool etroit = false;  // some count did not fit
+    };
+
+    void prendre(std::uint64_t nombre);
+    void developper(Tranche& tranche, std::uint64_t debut, std::uint64_t fin) const;
+    void accueillir(unsigned section, unsigned n);
+    void empiler(const Mot* m);
+    void elargir();
+    unsigned convier(bool partager);
+    void executer(unsigned n, const std::function<void(unsigned)>& travail);
+
+    const Net& net_;
+    std::vector<Compte>& maxima_;
+    Champs champs_;
+    Franchissement franchissement_;
+    std::array<Ensemble, SECTIONS> sections_;
+    std::array<std::vector<Mot>, SECTIONS> nouveaux_;
+    Blocs pile_;  // still to be expanded
+    std::vector<Mot> lot_;
+    std::vector<Tranche> tranches_;
+    std::unique_ptr<Equipe> equipe_;
+    unsigned fils_;
+    std::uint64_t developpes_ = 0;
+};
+
+}  // namespace Reseau

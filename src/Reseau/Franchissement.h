@@ -1,0 +1,81 @@
+// The firing rule on packed markings: every arc translated once for each layout into the field that it reads or
+// changes.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "Reseau/Champs.h"
+#include "Reseau/Net.h"
+
+namespace Reseau {
+
+/// A count that has no room in its field.
+struct Manque {
+    std::uint32_t place = 0;
+    Compte compte = 0;
+};
+
+class Franchissement {
+public:
+    /// @param net must outlive it
+    Franchissement(const Net& net, const Champs& champs);
+
+    /// Translates the arcs for another layout.
+    void traduire(const Champs& champs);
+
+    std::uint32_t nombre() const { return static_cast<std::uint32_t>(tirs_.size()); }
+    /// Whether `m` enables the transition, and firing it adds to a finite place; what comes of it otherwise is covered
+    /// by `m`.
+    bool utile(std::uint32_t t, const Mot* m) const {
+        for (std::uint32_t i = tirs_[t].besoins; i < tirs_[t].effets; ++i)
+            if (valeurEn(m, arcs_[i]) < arcs_[i].compte) return false;
+        for (std::uint32_t i = tirs_[t].effets; i < tirs_[t].fin; ++i)
+            if (arcs_[i].compte > 0 && valeurEn(m, arcs_[i]) != arcs_[i].omega) return true;
+        return false;
+    }
+    /// Fires a transition that `m` enables.
+    /// @return whether every count fits; if not, `m` is spoilt and `manque` tells what does not
+    /// @throws Debordement
+    bool tirer(std::uint32_t t, Mot* m, Manque& manque) const {
+        for (std::uint32_t i = tirs_[t].effets; i < tirs_[t].fin; ++i) {
+            const Arc& a = arcs_[i];
+            const Compte v = valeurEn(m, a);
+            if (v == a.omega) continue;
+            const Compte neuve = somme(v, a.compte);
+            if (neuve > a.plafond) {
+                manque = {a.place, neuve};
+                return false;
+            }
+            m[a.mot] += static_cast<Mot>(a.compte) << a.decalage;
+        }
+        return true;
+    }
+
+private:
+    struct Arc {
+        Mot masque;
+        Compte compte;   // of a need: what its field must hold at least; of an effect: what is added to it
+        Compte omega;    // what stands for it in the field, -1 when nothing does
+        Compte plafond;  // the largest finite count of the field
+        std::uint32_t place;
+        std::uint32_t mot;
+        std::uint32_t decalage;
+    };
+    /// Needs and then effects of one transition, as indices of `arcs_`.
+    struct Tir {
+        std::uint32_t besoins;
+        std::uint32_t effets;
+        std::uint32_t fin;
+    };
+
+    static Compte valeurEn(const Mot* m, const Arc& a) {
+        return static_cast<Compte>((m[a.mot] >> a.decalage) & a.masque);
+    }
+
+    const Net& net_;
+    std::vector<Tir> tirs_;
+    std::vector<Arc> arcs_;
+};
+
+}  // namespace Reseau

@@ -1,0 +1,48 @@
+// A growing array of packed markings of one size, in which no more than one place in eight is room to grow.
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <new>
+
+#include "Reseau/Champs.h"
+
+namespace Reseau {
+
+class Liasse {
+public:
+    std::uint32_t taille() const { return taille_; }
+    const std::uint8_t* en(std::uint32_t i, std::size_t octets) const { return octets_.get() + i * octets; }
+    std::uint8_t* en(std::uint32_t i, std::size_t octets) { return octets_.get() + i * octets; }
+
+    /// Makes room for one more at the end.
+    /// @throws std::bad_alloc
+    std::uint8_t* allonger(std::size_t octets) {
+        if (taille_ == place_) retailler(taille_ + taille_ / 8 + 2, octets);
+        return en(taille_++, octets);
+    }
+    /// Shortens it; room that is no longer needed is given back.
+    void raccourcir(std::uint32_t taille, std::size_t octets) {
+        taille_ = taille;
+        if (taille_ + taille_ / 4 + 8 < place_) retailler(taille_, octets);
+    }
+
+private:
+    struct Liberer {
+        void operator()(std::uint8_t* p) const { std::free(p); }
+    };
+    void retailler(std::uint32_t place, std::size_t octets) {
+        void* neuf = std::realloc(octets_.get(), place * octets + Champs::MARGE);
+        if (neuf == nullptr) throw std::bad_alloc();
+        (void)octets_.release();
+        octets_.reset(static_cast<std::uint8_t*>(neuf));
+        place_ = place;
+    }
+
+    std::unique_ptr<std::uint8_t, Liberer> octets_;
+    std::uint32_t taille_ = 0;
+    std::uint32_t place_ = 0;
+};
+
+}  // namespace Reseau
