@@ -75,16 +75,14 @@ void Drawing::addPosY(double d) { move(0.0, d); }
 
 void Drawing::addTranslation(double dx, double dy, double speed) {
     if (dx == 0.0 && dy == 0.0) return;
-    if (!vAnimation_) vAnimation_ = std::make_unique<std::deque<Animation>>();
-    vAnimation_->emplace_back(dx, dy, speed);
+    vAnimation_.emplace_back(dx, dy, speed);
 }
 
 void Drawing::nextFrame() {
-    if (!vAnimation_) return;
+    if (vAnimation_.empty()) return;
     double dx = 0.0;
     double dy = 0.0;
-    if (!vAnimation_->front().getAddXY(dx, dy)) vAnimation_->pop_front();
-    if (vAnimation_->empty()) vAnimation_.reset();
+    if (!vAnimation_.front().getAddXY(dx, dy)) vAnimation_.pop_front();
     move(dx, dy);
 }
 

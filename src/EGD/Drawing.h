@@ -7,7 +7,6 @@
 #include <sigc++/sigc++.h>
 
 #include <deque>
-#include <memory>
 
 #include "EGD/Color.h"
 
@@ -83,7 +82,7 @@ public:
 
     /// Queues a translation by (dx, dy) pixels at `speed` pixels a frame; an empty one is ignored.
     void addTranslation(double dx, double dy, double speed);
-    void clearAllAnimations() { vAnimation_.reset(); }
+    void clearAllAnimations() { vAnimation_.clear(); }
 
     /// Performs one step of the first queued translation.
     void nextFrame();
@@ -119,7 +118,7 @@ private:
     Color _colorIn{0, 0, 0, 0};
     double _widthLine = 3.0;
     EasyDrawingArea* area_ = nullptr;
-    std::unique_ptr<std::deque<Animation>> vAnimation_;  // null when there is none: an empty deque takes 600 bytes
+    std::deque<Animation> vAnimation_;  // the first one is being performed
     double _posX;
     double _posY;
     bool _visible = true;
