@@ -15,7 +15,7 @@ Arrowable::~Arrowable() {
 
 bool Arrowable::arrowInFrom(const EGD::Arrowable* a) const {
     // The arrow stands in both shapes' sets; the smaller one keeps a hub with thousands of arrows cheap.
-    if (_in.size() <= a->_out.size()) {
+    if (a == nullptr || _in.size() <= a->_out.size()) {
         return std::any_of(_in.begin(), _in.end(), [a](const Arrow* arrow) { return arrow->getBegin() == a; });
     }
     return std::any_of(a->_out.begin(), a->_out.end(), [this](const Arrow* arrow) { return arrow->getEnd() == this; });

@@ -161,6 +161,16 @@ TEST(Arrow, ThatIsALoopRunsFromItsShapeToItself) {
     EXPECT_TRUE(a.arrowInFrom(&a));
 }
 
+TEST(Arrow, ThatHasABeginDoesNotRunFromNowhere) {
+    auto a = disc({0, 0});
+    auto b = disc({100, 0});
+    EXPECT_FALSE(b.arrowInFrom(nullptr));
+    const Arrow arrow(&a, &b);
+    EXPECT_FALSE(b.arrowInFrom(nullptr));
+    const Arrow beginless(nullptr, &b);
+    EXPECT_TRUE(b.arrowInFrom(nullptr));
+}
+
 TEST(Arrow, IsFoundAmongManyOnEitherSide) {
     auto hub = disc({0, 0});
     std::vector<std::unique_ptr<EGD::Arc>> rim;
