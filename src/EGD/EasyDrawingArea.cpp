@@ -12,6 +12,7 @@ namespace {
 
 constexpr auto everyEvent = static_cast<Gdk::EventMask>(0xFFFFFE);
 constexpr unsigned int frameMilliseconds = 17;
+constexpr std::size_t largeStack = 100;  // drawings; shifting fewer costs next to nothing
 
 }  // namespace
 
@@ -68,7 +69,8 @@ void EasyDrawingArea::remove(Drawing* d) {
 }
 
 void EasyDrawingArea::closeGaps() {
-    if (_walks > 0 || 2 * _gaps <= vpDrawing_.size()) return;
+    if (_walks > 0 || _gaps == 0) return;
+    if (vpDrawing_.size() >= largeStack && 2 * _gaps <= vpDrawing_.size()) return;
     std::erase(vpDrawing_, nullptr);
     _gaps = 0;
     _places.clear();

@@ -90,8 +90,8 @@ private:
     double _g = 1.0;
     double _b = 1.0;
 
-    // Removing a drawing leaves a null gap, so that indices stay good while the stack is being walked and emptying a
-    // large stack takes linear time; gaps are closed when they are more than half of it.
+    // A drawing that leaves while the stack is being walked leaves a null gap, so that indices stay good; one that
+    // leaves a large stack does so too, until half of it is gaps, so that emptying it takes linear time.
     std::vector<EGD::Drawing*> vpDrawing_;
 
     double origineX = 0.0;
