@@ -69,12 +69,14 @@ public:
     /// Emitted on every pointer motion, with the motion since the last event.
     type_signal_mouseMoved signal_mouseMoved() { return _signal_mouseMoved; }
 
-protected:
+    /// @name The toolkit's events, open to whoever replays one. None of them is taken: further handlers get it too.
+    /// @{
     void on_realize() override;
     bool on_button_press_event(GdkEventButton* event) override;
     bool on_button_release_event(GdkEventButton* event) override;
     bool on_motion_notify_event(GdkEventMotion* event) override;
     bool on_draw(const Cairo::RefPtr<Cairo::Context>& cr) override;
+    /// @}
 
 private:
     bool on_timeout();

@@ -144,6 +144,25 @@ TEST(Area, HasItsPickPointAtTheOriginUntilSomethingIsPicked) {
     EXPECT_EQ(area.getPickY(), 9);
 }
 
+TEST(Area, TakesEventsThatAreReplayed) {
+    EGD::EasyDrawingArea area;
+    Square square(5, 5, 4);
+    area.add(filled(&square));
+    auto press = buttonEvent(5, 5);
+    auto release = buttonEvent(5, 5, GDK_BUTTON_RELEASE);
+    auto motion = motionEvent(5, 5);
+    int moves = 0;
+    area.signal_mouseMoved().connect([&](GdkEventMotion*, double, double) { ++moves; });
+    EXPECT_FALSE(area.on_button_press_event(&press));
+    EXPECT_FALSE(area.on_button_release_event(&release));
+    EXPECT_FALSE(area.on_motion_notify_event(&motion));
+    EXPECT_FALSE(area.on_draw(Picture(10, 10).context()));
+    EXPECT_THAT(square.pressed, ElementsAre(&press));
+    EXPECT_THAT(square.released, ElementsAre(&release));
+    EXPECT_EQ(moves, 1);
+    EXPECT_EQ(square.paints, 3) << "two picks and a paint";
+}
+
 TEST(Area, IgnoresPressesReleasesAndMotionsByDefault) {
     TestArea area;
     Square square(5, 5, 4);
