@@ -320,8 +320,9 @@ class Editor:
         return None
 
     def hint(self):
-        """The line of advice below the drawing."""
-        return [w.name for w in self._frame().shown() if w.role == "label"][-1]
+        """The line of advice below the drawing; empty while one line gives way to another."""
+        labels = [w.name for w in self._frame().shown() if w.role == "label"]
+        return labels[-1] if labels else ""
 
     def _windows(self):
         return self._application.children(anew=True)
@@ -574,7 +575,8 @@ class EditorTest(unittest.TestCase):
             if editor.process.poll() is None:
                 self.assertEqual(editor.dialogs(), [])
                 editor.close()
-                self.assertEqual((editor.wait_end(), editor.complaints), (0, []))
+                self.assertEqual(editor.wait_end(), 0, "\n".join(editor.complaints))
+                self.assertEqual(editor.complaints, [])
 
     def file(self, name, text):
         """Writes a file into the working directory and returns its path."""
