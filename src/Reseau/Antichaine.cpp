@@ -2,6 +2,7 @@
 #include "Reseau/Antichaine.h"
 
 #include <algorithm>
+#include <bit>
 #include <utility>
 
 namespace Reseau {
@@ -27,17 +28,11 @@ bool Antichaine::couvre(const Mot* m) const {
     return false;
 }
 
-/// The leaf where `m` belongs, of a tree that is not empty.
-std::uint32_t Antichaine::feuille(const Mot* m) const {
-    std::uint32_t ici = 0;
-    while (branches_[ici].place != FEUILLE)
-        ici = branches_[ici].suite + (champs_->lire(m, branches_[ici].place) >= branches_[ici].seuil ? 1 : 0);
-    return ici;
-}
-
 bool Antichaine::contient(const Mot* m) const {
     if (branches_.empty()) return false;
-    const Liasse& l = feuilles_[branches_[feuille(m)].suite];
+    std::uint32_t ici = 0;
+    while (branches_[ici].place != FEUILLE) ici = vers(branches_[ici], m);
+    const Liasse& l = feuilles_[branches_[ici].suite];
     for (std::uint32_t i = 0; i < l.taille(); ++i)
         if (champs_->egale(l.en(i, champs_->octets()), m)) return true;
     return false;
@@ -68,31 +63,44 @@ void Antichaine::retirer(const Mot* m) {
             if (champs_->lire(m, b.place) >= b.seuil) pile_.push_back(b.suite + 1);
         }
     }
-    if (taille_ < avant && feuilles_.size() > CAPACITE && taille_ < feuilles_.size() * CLAIRSEME) rebatir(*champs_);
+    retires_ += avant - taille_;
+    const std::size_t feuilles = feuilles_.size() - feuillesLibres_.size();
+    if (feuilles > 1 && retires_ > taille_ && taille_ < feuilles * CLAIRSEME) {
+        rebatir(0);
+        retires_ = 0;
+    }
 }
 
 void Antichaine::ajouter(const Mot* m) {
-    if (branches_.empty()) brancher(0, m);
-    std::uint32_t ici = 0;
-    while (true) {
-        englober(ici, m);
-        const Branche& b = branches_[ici];
-        if (b.place == FEUILLE) break;
-        ici = b.suite + (champs_->lire(m, b.place) >= b.seuil ? 1 : 0);
+    if (branches_.empty()) {
+        branches_.emplace_back();
+        bornes_.ajouter();
+        Membres seul(1, std::vector<Mot>(m, m + champs_->mots()));
+        batir(0, seul.begin(), seul.end(), 1);
     }
-    Liasse& l = feuilles_[branches_[ici].suite];
-    champs_->ranger(m, l.allonger(champs_->octets()));
+    const std::uint32_t ici = sousLaBranche(0, m);
     ++taille_;
-    if (l.taille() > CAPACITE) scinder(ici);
+    credit_ += CREDIT;
+    if (feuilles_[branches_[ici].suite].taille() > CAPACITE) {
+        const std::vector<std::uint32_t> chemin = chemin_;
+        rebatir(ici);
+        equilibrer(chemin);
+    }
 }
 
-/// Adds a leaf of its own number with join and meet `premier`.
-void Antichaine::brancher(std::uint32_t feuille, const Mot* premier) {
-    branches_.push_back({0, FEUILLE, feuille});
-    if (feuille == feuilles_.size()) feuilles_.emplace_back();
-    std::uint8_t* bornes = bornes_.ajouter();
-    champs_->ranger(premier, bornes);
-    champs_->ranger(premier, bornes + champs_->octets());
+/// Puts `m` into its leaf below `branche`; the way there is left in `chemin_`.
+/// @return the leaf's branch
+std::uint32_t Antichaine::sousLaBranche(std::uint32_t branche, const Mot* m) {
+    chemin_.clear();
+    while (true) {
+        chemin_.push_back(branche);
+        englober(branche, m);
+        const Branche& b = branches_[branche];
+        if (b.place == FEUILLE) break;
+        branche = vers(b, m);
+    }
+    champs_->ranger(m, feuilles_[branches_[branche].suite].allonger(champs_->octets()));
+    return branche;
 }
 
 void Antichaine::englober(std::uint32_t branche, const Mot* m) {
@@ -101,63 +109,173 @@ void Antichaine::englober(std::uint32_t branche, const Mot* m) {
     champs_->rencontrer(bornes + champs_->octets(), m);
 }
 
-/// The place and the threshold that split `membres` most evenly.
-Antichaine::Coupe Antichaine::meilleureCoupe(const std::vector<std::vector<Mot>>& membres) const {
-    const auto nombre = static_cast<std::uint32_t>(membres.size());
-    Coupe choix{FEUILLE, 0, nombre};
-    std::vector<Compte> comptes(nombre);
-    for (std::uint32_t p = 0; p < champs_->places() && choix.ecart > nombre % 2; ++p) {
-        for (std::uint32_t i = 0; i < nombre; ++i) comptes[i] = champs_->lire(membres[i].data(), p);
+/// Builds anew the lowest subtree on the way to a leaf that is too deep for its size.
+void Antichaine::equilibrer(const std::vector<std::uint32_t>& chemin) {
+    const auto profondeurPermise = [](std::uint64_t membres) {
+        return static_cast<std::size_t>(3 * std::bit_width(membres / CAPACITE) + 3);
+    };
+    if (chemin.size() <= profondeurPermise(taille_)) return;
+    std::uint64_t membres = compter(chemin.back());
+    for (std::size_t hauteur = 1; hauteur < chemin.size(); ++hauteur) {
+        const std::uint32_t ici = chemin[chemin.size() - 1 - hauteur];
+        const std::uint32_t enfant = chemin[chemin.size() - hauteur];
+        membres += compter(branches_[ici].suite + (enfant == branches_[ici].suite ? 1 : 0));
+        if (membres * 2 > credit_) break;
+        if (hauteur > profondeurPermise(membres)) {
+            rebatir(ici);
+            break;
+        }
+    }
+    credit_ -= std::min(credit_, 2 * membres);
+}
+
+/// The members below `branche`.
+std::uint64_t Antichaine::compter(std::uint32_t branche) const {
+    std::uint64_t n = 0;
+    pile_.assign(1, branche);
+    while (!pile_.empty()) {
+        const Branche& b = branches_[pile_.back()];
+        pile_.pop_back();
+        if (b.place == FEUILLE) {
+            n += feuilles_[b.suite].taille();
+        } else {
+            pile_.push_back(b.suite);
+            pile_.push_back(b.suite + 1);
+        }
+    }
+    return n;
+}
+
+/// Builds a subtree anew from a sample of its members, and puts all of them into it.
+void Antichaine::rebatir(std::uint32_t branche) {
+    std::vector<Liasse> liasses;
+    demonter(branche, liasses);
+    std::size_t nombre = 0;
+    for (const Liasse& l : liasses) nombre += l.taille();
+    if (nombre == 0) {
+        branches_[branche].suite = nouvelleFeuille();
+        return;
+    }
+    const std::size_t poids = nombre / ECHANTILLON + 1;
+    Membres echantillon;
+    std::size_t rang = 0;
+    for (const Liasse& l : liasses)
+        for (std::uint32_t i = 0; i < l.taille(); ++i)
+            if (rang++ % poids == 0) {
+                echantillon.emplace_back(champs_->mots());
+                champs_->reprendre(l.en(i, champs_->octets()), echantillon.back().data());
+            }
+    batir(branche, echantillon.begin(), echantillon.end(), poids);
+    echantillon.clear();
+    std::vector<Mot> m(champs_->mots());
+    for (Liasse& l : liasses) {
+        for (std::uint32_t i = 0; i < l.taille(); ++i) {
+            champs_->reprendre(l.en(i, champs_->octets()), m.data());
+            const std::uint32_t feuille = sousLaBranche(branche, m.data());
+            if (feuilles_[branches_[feuille].suite].taille() > CAPACITE) rebatir(feuille);
+        }
+        l = Liasse();
+    }
+}
+
+/// Takes the leaves below `branche` away, and makes it a leaf of no number.
+void Antichaine::demonter(std::uint32_t branche, std::vector<Liasse>& liasses) {
+    const Branche b = std::exchange(branches_[branche], Branche());
+    if (b.place == FEUILLE) {
+        liasses.push_back(std::exchange(feuilles_[b.suite], Liasse()));
+        feuillesLibres_.push_back(b.suite);
+    } else {
+        demonter(b.suite, liasses);
+        demonter(b.suite + 1, liasses);
+        pairesLibres_.push_back(b.suite);
+    }
+}
+
+/// Makes `branche` the root of empty leaves for members like these, each of which stands for `poids`.
+void Antichaine::batir(std::uint32_t branche, Membres::iterator debut, Membres::iterator fin, std::size_t poids) {
+    champs_->ranger(debut->data(), bornes_.en(branche));
+    champs_->ranger(debut->data(), bornes_.en(branche) + champs_->octets());
+    for (auto m = debut; m != fin; ++m) englober(branche, m->data());
+    const auto nombre = static_cast<std::size_t>(fin - debut);
+    if (nombre == 1 || nombre * poids <= CAPACITE) {
+        branches_[branche] = {0, FEUILLE, nouvelleFeuille()};
+        return;
+    }
+    const Coupe coupe = meilleureCoupe(debut, fin);
+    const Branche neuve{coupe.seuil, coupe.place, nouvellePaire()};
+    branches_[branche] = neuve;
+    const auto milieu = std::partition(debut, fin, [&](const auto& m) { return vers(neuve, m.data()) == neuve.suite; });
+    batir(neuve.suite, debut, milieu, poids);
+    batir(neuve.suite + 1, milieu, fin, poids);
+}
+
+std::uint32_t Antichaine::nouvellePaire() {
+    if (pairesLibres_.empty()) {
+        for (int i = 0; i < 2; ++i) {
+            branches_.emplace_back();
+            bornes_.ajouter();
+        }
+        return static_cast<std::uint32_t>(branches_.size() - 2);
+    }
+    const std::uint32_t paire = pairesLibres_.back();
+    pairesLibres_.pop_back();
+    return paire;
+}
+
+std::uint32_t Antichaine::nouvelleFeuille() {
+    if (feuillesLibres_.empty()) {
+        feuilles_.emplace_back();
+        return static_cast<std::uint32_t>(feuilles_.size() - 1);
+    }
+    const std::uint32_t feuille = feuillesLibres_.back();
+    feuillesLibres_.pop_back();
+    return feuille;
+}
+
+/// The place and the threshold that split these members, or some of them when they are many, most evenly.
+Antichaine::Coupe Antichaine::meilleureCoupe(Membres::iterator debut, Membres::iterator fin) const {
+    const auto pas = static_cast<std::size_t>(fin - debut) / (2 * CAPACITE) + 1;
+    std::vector<Compte> comptes;
+    Coupe choix{FEUILLE, 0, static_cast<std::size_t>(fin - debut)};
+    for (std::uint32_t p = 0; p < champs_->places(); ++p) {
+        comptes.clear();
+        for (auto m = debut; m < fin;
+             m += static_cast<std::ptrdiff_t>(std::min<std::size_t>(pas, static_cast<std::size_t>(fin - m))))
+            comptes.push_back(champs_->lire(m->data(), p));
         std::ranges::sort(comptes);
-        for (std::uint32_t i = 1; i < nombre; ++i) {  // i members have less
-            const std::uint32_t ecart = i * 2 > nombre ? i * 2 - nombre : nombre - i * 2;
+        const std::size_t nombre = comptes.size();
+        for (std::size_t i = 1; i < nombre; ++i) {  // i members have less
+            const std::size_t ecart = i * 2 > nombre ? i * 2 - nombre : nombre - i * 2;
             if (comptes[i] != comptes[i - 1] && ecart < choix.ecart) choix = {p, comptes[i], ecart};
         }
+        if (choix.ecart <= nombre % 2) break;
     }
     return choix;
 }
 
-void Antichaine::scinder(std::uint32_t branche) {
-    const std::uint32_t ancienne = branches_[branche].suite;
-    const Liasse liasse = std::exchange(feuilles_[ancienne], Liasse());
-    std::vector<std::vector<Mot>> membres(liasse.taille(), std::vector<Mot>(champs_->mots()));
-    for (std::uint32_t i = 0; i < liasse.taille(); ++i)
-        champs_->reprendre(liasse.en(i, champs_->octets()), membres[i].data());
-    const Coupe coupe = meilleureCoupe(membres);
-
-    const auto plus = [&](const std::vector<Mot>& m) { return champs_->lire(m.data(), coupe.place) >= coupe.seuil; };
-    const auto milieu = std::ranges::partition(membres, [&](const auto& m) { return !plus(m); }).begin();
-    branches_[branche] = {coupe.seuil, coupe.place, static_cast<std::uint32_t>(branches_.size())};
-    brancher(ancienne, membres.front().data());
-    brancher(static_cast<std::uint32_t>(feuilles_.size()), milieu->data());
-    for (const std::vector<Mot>& m : membres) {
-        const std::uint32_t cote = branches_[branche].suite + (plus(m) ? 1 : 0);
-        englober(cote, m.data());
-        champs_->ranger(m.data(), feuilles_[branches_[cote].suite].allonger(champs_->octets()));
-    }
-}
-
-void Antichaine::convertir(const Champs& champs) { rebatir(champs); }
-
-/// Adds every member anew to an empty tree of the layout `champs`.
-void Antichaine::rebatir(const Champs& champs) {
-    const Champs& anciens = *champs_;
-    std::deque<Liasse> liasses;
-    liasses.swap(feuilles_);
-    branches_.clear();
-    champs_ = &champs;
-    bornes_ = Blocs(2 * champs.octets());
-    taille_ = 0;
-    std::vector<Mot> de(anciens.mots());
+/// The cuts stay what they are; only what is packed is packed anew.
+void Antichaine::convertir(const Champs& champs) {
+    std::vector<Mot> de(champs_->mots());
     std::vector<Mot> vers(champs.mots());
-    for (Liasse& l : liasses) {
-        for (std::uint32_t i = 0; i < l.taille(); ++i) {
-            anciens.reprendre(l.en(i, anciens.octets()), de.data());
-            Reseau::convertir(anciens, de.data(), champs, vers.data());
-            ajouter(vers.data());
-        }
-        l = Liasse();
+    const auto un = [&](const std::uint8_t* garde, std::uint8_t* place) {
+        champs_->reprendre(garde, de.data());
+        Reseau::convertir(*champs_, de.data(), champs, vers.data());
+        champs.ranger(vers.data(), place);
+    };
+    for (Liasse& l : feuilles_) {
+        Liasse convertie;
+        for (std::uint32_t i = 0; i < l.taille(); ++i)
+            un(l.en(i, champs_->octets()), convertie.allonger(champs.octets()));
+        l = std::move(convertie);
     }
+    Blocs bornes(2 * champs.octets());
+    for (std::uint32_t b = 0; b < branches_.size(); ++b) {
+        std::uint8_t* place = bornes.ajouter();
+        un(jointure(b), place);
+        un(rencontre(b), place + champs.octets());
+    }
+    bornes_ = std::move(bornes);
+    champs_ = &champs;
 }
 
 }  // namespace Reseau

@@ -3,9 +3,10 @@
 //
 // A discrimination tree: an inner node splits the markings below it by "place p holds at least s", with p and s chosen
 // from the markings themselves so that the halves balance; the markings lie packed in the leaves. A query that is
-// covered in p has to look only on one side. Besides, every node knows the join and the meet of what lies below it (the
-// largest and the smallest count of each place, itself a packed marking): a subtree is left out when its join does not
-// cover the query, or its meet is not covered by it.
+// covered in p has to look only on one side. Markings come in an order that can make the tree as deep as it is large;
+// then the subtree at fault is built anew (I. Galperin, R. Rivest, "Scapegoat trees", SODA 1993). Besides, every node
+// knows the join and the meet of what lies below it (the largest and the smallest count of each place, itself a packed
+// marking): a subtree is left out when its join does not cover the query, or its meet is not covered by it.
 #pragma once
 
 #include <cstdint>
@@ -46,6 +47,8 @@ private:
     static constexpr std::uint32_t FEUILLE = ~std::uint32_t{0};
     static constexpr std::uint32_t CAPACITE = 64;
     static constexpr std::uint32_t CLAIRSEME = 16;  // members of a leaf on average, below which the tree is built anew
+    static constexpr std::size_t ECHANTILLON = 2048;  // members that decide how a subtree is built
+    static constexpr std::uint64_t CREDIT = 8;        // members that may be moved for each one added
 
     struct Branche {
         Compte seuil = 0;
@@ -57,24 +60,37 @@ private:
     struct Coupe {
         std::uint32_t place;
         Compte seuil;
-        std::uint32_t ecart;  // from the even split
+        std::size_t ecart;  // from the even split
     };
+    using Membres = std::vector<std::vector<Mot>>;
 
     const std::uint8_t* jointure(std::uint32_t branche) const { return bornes_.en(branche); }
     const std::uint8_t* rencontre(std::uint32_t branche) const { return bornes_.en(branche) + champs_->octets(); }
-    std::uint32_t feuille(const Mot* m) const;
-    void brancher(std::uint32_t feuille, const Mot* premier);
+    std::uint32_t vers(const Branche& b, const Mot* m) const {
+        return b.suite + (champs_->lire(m, b.place) >= b.seuil ? 1 : 0);
+    }
+    std::uint32_t sousLaBranche(std::uint32_t branche, const Mot* m);
     void englober(std::uint32_t branche, const Mot* m);
-    void scinder(std::uint32_t branche);
-    Coupe meilleureCoupe(const std::vector<std::vector<Mot>>& membres) const;
-    void rebatir(const Champs& champs);
+    void equilibrer(const std::vector<std::uint32_t>& chemin);
+    std::uint64_t compter(std::uint32_t branche) const;
+    void rebatir(std::uint32_t branche);
+    void demonter(std::uint32_t branche, std::vector<Liasse>& liasses);
+    void batir(std::uint32_t branche, Membres::iterator debut, Membres::iterator fin, std::size_t poids);
+    std::uint32_t nouvellePaire();
+    std::uint32_t nouvelleFeuille();
+    Coupe meilleureCoupe(Membres::iterator debut, Membres::iterator fin) const;
 
     const Champs* champs_;
     std::deque<Branche> branches_;
     std::deque<Liasse> feuilles_;
     Blocs bornes_;  // by branch, join and meet
+    std::vector<std::uint32_t> pairesLibres_;
+    std::vector<std::uint32_t> feuillesLibres_;
     std::uint64_t taille_ = 0;
+    std::uint64_t retires_ = 0;  // since the tree was built
+    std::uint64_t credit_ = 0;
     mutable std::vector<std::uint32_t> pile_;
+    std::vector<std::uint32_t> chemin_;
 };
 
 }  // namespace Reseau

@@ -1,5 +1,5 @@
-// An array of records of one size that grows and shrinks by blocks: what stands in it stays where it is, and there is
-// never a larger copy beside a smaller one.
+// A queue of records of one size that grows and shrinks by blocks at both ends: what stands in it stays where it is,
+// and there is never a larger copy beside a smaller one.
 #pragma once
 
 #include <algorithm>
@@ -18,31 +18,37 @@ public:
     explicit Blocs(std::size_t octets)
         : octets_(octets), rang_(std::countr_zero(std::bit_floor(std::max<std::size_t>(1, BLOC / octets)))) {}
 
-    std::size_t taille() const { return taille_; }
-    std::uint8_t* en(std::size_t i) { return blocs_[i >> rang_].get() + (i & (parBloc() - 1)) * octets_; }
-    const std::uint8_t* en(std::size_t i) const { return blocs_[i >> rang_].get() + (i & (parBloc() - 1)) * octets_; }
+    std::size_t taille() const { return fin_ - debut_; }
+    std::uint8_t* en(std::size_t i) { return adresse(debut_ + i); }
+    const std::uint8_t* en(std::size_t i) const { return adresse(debut_ + i); }
 
     /// @return a new record at the end, its bytes undetermined
     /// @throws std::bad_alloc
     std::uint8_t* ajouter() {
-        if (taille_ >> rang_ == blocs_.size())
+        if (fin_ >> rang_ == blocs_.size())
             blocs_.push_back(std::make_unique_for_overwrite<std::uint8_t[]>(parBloc() * octets_ + Champs::MARGE));
-        return en(taille_++);
+        return adresse(fin_++);
     }
-    /// Drops the last record, whose bytes stay readable until the next call.
+    /// Drops the last record.
     void oter() {
-        --taille_;
-        while (blocs_.size() > (taille_ >> rang_) + 1) blocs_.pop_back();
+        --fin_;
+        while (blocs_.size() > (fin_ >> rang_) + 1) blocs_.pop_back();
+    }
+    /// Drops the first record.
+    void oterPremier() {
+        if (++debut_ % parBloc() == 0) blocs_[(debut_ >> rang_) - 1].reset();
     }
 
 private:
     static constexpr std::size_t BLOC = 16384;  // bytes, about
 
+    std::uint8_t* adresse(std::size_t i) const { return blocs_[i >> rang_].get() + (i & (parBloc() - 1)) * octets_; }
     std::size_t parBloc() const { return std::size_t{1} << rang_; }
 
     std::size_t octets_;
-    int rang_;  // a block holds 2^rang_ records
-    std::size_t taille_ = 0;
+    int rang_;               // a block holds 2^rang_ records
+    std::size_t debut_ = 0;  // counted from the first record that ever was
+    std::size_t fin_ = 0;
     std::vector<std::unique_ptr<std::uint8_t[]>> blocs_;
 };
 

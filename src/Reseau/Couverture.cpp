@@ -91,13 +91,19 @@ void Couverture::ceder() {
     arbre_ = Arbre(*champs_);
 }
 
-/// The node of the frontier to be expanded next, or AUCUN; those whose markings have been retired are dropped.
+/// The node of the frontier to be expanded next, its marking in `parent_`, or AUCUN. Those whose markings have been
+/// retired are dropped, and those to which a newer acceleration applies give way to what comes of it.
 std::uint32_t Couverture::sommet() {
     while (!frontiere_.empty()) {
         const std::uint32_t n = frontiere_.rbegin()->second;
         arbre_.lire(n, parent_.mots());
-        if (antichaine_.contient(parent_.mots())) return n;
+        const bool maximal = antichaine_.contient(parent_.mots());
+        std::vector<std::uint32_t> pompes;
+        courant_ = parent_;
+        if (maximal) accelerations_.appliquer(courant_, pompes);
+        if (maximal && pompes.empty()) return n;
         oterSommet();
+        if (maximal && !connu()) garder(n, AUCUN, std::move(pompes));
         arbre_.lacher(n);
     }
     return AUCUN;
@@ -182,20 +188,25 @@ void Couverture::garder(std::uint32_t parent, std::uint32_t tir, std::vector<std
     if (!incomparables_) antichaine_.retirer(courant_.mots());
     antichaine_.ajouter(courant_.mots());
 
-    std::uint32_t omegas = 0;
-    std::uint64_t jetons = 0;
+    for (std::uint32_t p = 0; p < champs_->places(); ++p) maxima_[p] = std::max(maxima_[p], courant_[p]);
+    const Rang rang = rangDuCourant();
+    nonBornee_ = nonBornee_ || rang.omegas > 0;
+    const std::uint32_t noeud = arbre_.ajouter(courant_.mots(), parent, tir, std::move(pompes));
+    const auto liste = frontiere_.try_emplace(rang, AUCUN).first;
+    arbre_.suivant(noeud) = std::exchange(liste->second, noeud);
+}
+
+Couverture::Rang Couverture::rangDuCourant() const {
+    Rang rang{0, 0, 0};
     for (std::uint32_t p = 0; p < champs_->places(); ++p) {
         const Compte c = courant_[p];
-        maxima_[p] = std::max(maxima_[p], c);
+        rang.marquees += c > 0 ? 1 : 0;
         if (c == OMEGA)
-            ++omegas;
-        else if (__builtin_add_overflow(jetons, static_cast<std::uint64_t>(c), &jetons))
-            jetons = ~std::uint64_t{0};
+            ++rang.omegas;
+        else if (__builtin_add_overflow(rang.jetons, static_cast<std::uint64_t>(c), &rang.jetons))
+            rang.jetons = ~std::uint64_t{0};
     }
-    nonBornee_ = nonBornee_ || omegas > 0;
-    const std::uint32_t noeud = arbre_.ajouter(courant_.mots(), parent, tir, std::move(pompes));
-    const auto liste = frontiere_.try_emplace({omegas, jetons}, AUCUN).first;
-    arbre_.suivant(noeud) = std::exchange(liste->second, noeud);
+    return rang;
 }
 
 /// Makes room for a count, and for what comes next to it: the more often, the more.

@@ -2,10 +2,10 @@
 // the closure of what the net can reach. Every question asked here is read off it.
 //
 // The construction keeps an index over the maximal markings and a frontier, and repeats: take the frontier's marking
-// with the most tokens (most omegas first); fire each transition; apply every acceleration learnt so far; drop the
-// successor when a kept marking covers it; otherwise compare it with its ancestors, and where it strictly covers one,
-// learn the acceleration of the path between them and apply it; then keep it, and retire the maximal markings that it
-// covers.
+// with the most tokens (first the most omegas; of equals the one that spreads them over the most places); fire each
+// transition; apply every acceleration learnt so far; drop the successor when a kept marking covers it; otherwise
+// compare it with its ancestors, and where it strictly covers one, learn the acceleration of the path between them and
+// apply it; then keep it, and retire the maximal markings that it covers.
 //
 // Why the answer is exact, whatever the order: what is kept is reachable or a limit of reachable markings,
 // since firing and accelerating are. At the end every maximal marking has been expanded and each of its
@@ -25,6 +25,7 @@
 // ancestors and the order; A. Finkel, S. Haddad, I. Khmelnitsky (see Acceleration.h) for the accelerations.
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -95,6 +96,14 @@ private:
     static constexpr std::uint32_t PROCHES = 256;  // ancestors that are compared in any case
     static constexpr unsigned MODERATION = 64;     // layouts, until every field gets more room than it needs
 
+    /// What is expanded first: the greatest.
+    struct Rang {
+        std::uint32_t omegas;
+        std::uint64_t jetons;
+        std::uint32_t marquees;  // places
+        auto operator<=>(const Rang&) const = default;
+    };
+
     void commencer();
     bool construire(std::uint64_t limite, bool arretOmega);
     bool enumerer(std::uint64_t limite);
@@ -105,6 +114,7 @@ private:
     void developper(std::uint32_t noeud);
     bool successeur(std::uint32_t parent, std::uint32_t tir);
     bool connu() const;
+    Rang rangDuCourant() const;
     bool accelerer(std::uint32_t tir, std::vector<std::uint32_t>& pompes);
     bool depasse(const Mot* ancetre) const;
     void garder(std::uint32_t parent, std::uint32_t tir, std::vector<std::uint32_t> pompes);
@@ -120,9 +130,8 @@ private:
     Arbre arbre_;
     Lignee lignee_;
     Accelerations accelerations_;
-    // Nodes that wait, by omegas and then tokens of their markings; each list is chained through the tree, latest
-    // first.
-    std::map<std::pair<std::uint32_t, std::uint64_t>, std::uint32_t> frontiere_;
+    std::map<Rang, std::uint32_t>
+        frontiere_;  // nodes that wait; those of one rank chained through the tree, latest first
     std::uint64_t gardes_ = 0;
     Marquage parent_;
     Marquage courant_;

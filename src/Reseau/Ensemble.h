@@ -34,7 +34,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t CHARGE = 32;  // members of a bucket, on average
+    static constexpr std::size_t CHARGE = 48;  // members of a bucket, on average
     static constexpr std::size_t BLOC = 64;    // buckets of a block
 
     const Liasse& seau(std::size_t i) const { return blocs_[i / BLOC][i % BLOC]; }

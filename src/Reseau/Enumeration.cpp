@@ -16,7 +16,7 @@ Enumeration::Enumeration(const Net& net, std::vector<Compte>& maxima, unsigned f
       maxima_(maxima),
       champs_(maxima, false),
       franchissement_(net, champs_),
-      pile_(champs_.octets()),
+      attente_(champs_.octets()),
       fils_(fils) {}
 
 void Enumeration::admettre(const Creux& marquage, bool aDevelopper) {
@@ -24,7 +24,7 @@ void Enumeration::admettre(const Creux& marquage, bool aDevelopper) {
     for (const Poids& p : marquage) champs_.poser(m.data(), p.place, p.compte);
     const std::uint64_t h = empreinte(m.data(), m.size());
     sections_[sectionDe(h)].ajouter(champs_, m.data(), h);
-    if (aDevelopper) empiler(m.data());
+    if (aDevelopper) attendre(m.data());
 }
 
 std::uint64_t Enumeration::taille() const {
@@ -33,7 +33,7 @@ std::uint64_t Enumeration::taille() const {
     return n;
 }
 
-void Enumeration::empiler(const Mot* m) { champs_.ranger(m, pile_.ajouter()); }
+void Enumeration::attendre(const Mot* m) { champs_.ranger(m, attente_.ajouter()); }
 
 /// How many threads take part, with a slice for each.
 unsigned Enumeration::convier(bool partager) {
@@ -51,8 +51,7 @@ void Enumeration::executer(unsigned n, const std::function<void(unsigned)>& trav
 }
 
 std::uint64_t Enumeration::avancer(std::uint64_t limite) {
-    // One by one at first, which goes deep; in wider batches as the set grows.
-    const std::uint64_t nombre = std::min({pile_.taille(), limite, LOT, developpes_ / 8 + 1});
+    const std::uint64_t nombre = std::min({attente_.taille(), limite, LOT, developpes_ / 8 + 1});
     const unsigned n = convier(nombre >= SEUL);
     prendre(nombre);
     while (true) {
@@ -69,7 +68,7 @@ std::uint64_t Enumeration::avancer(std::uint64_t limite) {
         for (unsigned s = i; s < SECTIONS; s += n) accueillir(s, n);
     });
     for (const std::vector<Mot>& nouveaux : nouveaux_)
-        for (std::size_t i = 0; i < nouveaux.size(); i += champs_.mots()) empiler(&nouveaux[i]);
+        for (std::size_t i = 0; i < nouveaux.size(); i += champs_.mots()) attendre(&nouveaux[i]);
     developpes_ += nombre;
     return nombre;
 }
@@ -77,8 +76,12 @@ std::uint64_t Enumeration::avancer(std::uint64_t limite) {
 void Enumeration::prendre(std::uint64_t nombre) {
     lot_.resize(nombre * champs_.mots());
     for (std::uint64_t i = 0; i < nombre; ++i) {
-        pile_.oter();
-        champs_.reprendre(pile_.en(pile_.taille()), &lot_[i * champs_.mots()]);
+        const bool profond = developpes_ < PROFOND;
+        champs_.reprendre(attente_.en(profond ? attente_.taille() - 1 : 0), &lot_[i * champs_.mots()]);
+        if (profond)
+            attente_.oter();
+        else
+            attente_.oterPremier();
     }
 }
 
@@ -148,17 +151,13 @@ void Enumeration::elargir() {
         });
         ancienne = Ensemble();
     }
-    Blocs retournee(champs_.octets());
-    for (; pile_.taille() > 0; pile_.oter()) {
-        anciens.reprendre(pile_.en(pile_.taille() - 1), de.data());
+    Blocs converties(champs_.octets());
+    for (; attente_.taille() > 0; attente_.oterPremier()) {
+        anciens.reprendre(attente_.en(0), de.data());
         convertir(anciens, de.data(), champs_, vers.data());
-        champs_.ranger(vers.data(), retournee.ajouter());
+        champs_.ranger(vers.data(), converties.ajouter());
     }
-    pile_ = Blocs(champs_.octets());
-    for (; retournee.taille() > 0; retournee.oter()) {
-        champs_.reprendre(retournee.en(retournee.taille() - 1), vers.data());
-        empiler(vers.data());
-    }
+    attente_ = std::move(converties);
     std::vector<Mot> lot(lot_.size() / anciens.mots() * champs_.mots());
     for (std::size_t i = 0; i * anciens.mots() < lot_.size(); ++i)
         convertir(anciens, &lot_[i * anciens.mots()], champs_, &lot[i * champs_.mots()]);

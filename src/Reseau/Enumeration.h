@@ -1,9 +1,10 @@
 // The reachable markings of a net in which none covers another one: all of them are maximal, and finding each once is
-// all there is to do. No tree is kept and no index, but a set and the stack of those that are not expanded yet.
+// all there is to do. No tree is kept and no index, but a set and the queue of those that are not expanded yet.
 //
-// The work goes in batches from the top of the stack: the successors of a batch are made first, and sorted by hash into
-// SECTIONS; then each section's set takes up its own. Both halves are shared out among threads. A section sees its
-// markings in the order of the batch whoever made them, so the number of threads changes nothing but the time.
+// The search goes deep at first, to see large counts early, and then wide, since fewer wait then. It goes in batches:
+// the successors of a batch are made first, and sorted by hash into SECTIONS; then each section's set takes up its own.
+// Both halves are shared out among threads. A section sees its markings in the order of the batch whoever made them, so
+// the number of threads changes nothing but the time.
 #pragma once
 
 #include <array>
@@ -32,7 +33,7 @@ public:
     /// @param aDevelopper whether its successors are still to be found
     void admettre(const Creux& marquage, bool aDevelopper);
 
-    bool finie() const { return pile_.taille() == 0; }
+    bool finie() const { return attente_.taille() == 0; }
     /// Expands one batch of at most `limite` > 0 markings.
     /// @return how many
     /// @throws Debordement, std::bad_alloc
@@ -42,7 +43,7 @@ public:
     std::uint64_t taille() const;
     /// Bytes of a packed marking.
     std::size_t octets() const { return champs_.octets(); }
-    std::uint64_t enAttente() const { return pile_.taille(); }
+    std::uint64_t enAttente() const { return attente_.taille(); }
 
     /// Calls f(marking's words) for each marking found.
     template <class F>
@@ -58,8 +59,9 @@ public:
 
 private:
     static constexpr unsigned SECTIONS = 16;
-    static constexpr std::uint64_t LOT = 8192;  // markings of a batch at most
-    static constexpr std::uint64_t SEUL = 256;  // a batch below is not worth waking threads
+    static constexpr std::uint64_t LOT = 8192;      // markings of a batch at most
+    static constexpr std::uint64_t PROFOND = 4096;  // markings expanded until it goes wide
+    static constexpr std::uint64_t SEUL = 256;      // a batch below is not worth waking threads
 
     /// What one thread makes of its slice of the batch.
     struct Tranche {
@@ -72,7 +74,7 @@ private:
     void prendre(std::uint64_t nombre);
     void developper(Tranche& tranche, std::uint64_t debut, std::uint64_t fin) const;
     void accueillir(unsigned section, unsigned n);
-    void empiler(const Mot* m);
+    void attendre(const Mot* m);
     void elargir();
     unsigned convier(bool partager);
     void executer(unsigned n, const std::function<void(unsigned)>& travail);
@@ -83,7 +85,7 @@ private:
     Franchissement franchissement_;
     std::array<Ensemble, SECTIONS> sections_;
     std::array<std::vector<Mot>, SECTIONS> nouveaux_;
-    Blocs pile_;  // still to be expanded
+    Blocs attente_;  // still to be expanded
     std::vector<Mot> lot_;
     std::vector<Tranche> tranches_;
     std::unique_ptr<Equipe> equipe_;
