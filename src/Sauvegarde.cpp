@@ -69,13 +69,22 @@ private:
     bool _isInPlace = false;
 };
 
+/// The file that opening `path` would reach or make: links are followed, also one to a file that does not exist yet.
+std::filesystem::path behindLinks(const std::filesystem::path& path) {
+    std::error_code failure;
+    std::filesystem::path target = std::filesystem::canonical(path, failure);
+    if (!failure) return target;
+    if (failure != std::errc::no_such_file_or_directory) throw std::system_error(failure);
+
+    target = std::filesystem::absolute(path);
+    while (std::filesystem::is_symlink(target)) target = target.parent_path() / std::filesystem::read_symlink(target);
+    return target;
+}
+
 }  // namespace
 
 void remplacerFichier(const std::string& path, const std::string& text) {
-    std::error_code isMissing;
-    std::filesystem::path target = std::filesystem::canonical(path, isMissing);
-    if (isMissing) target = std::filesystem::absolute(path);
-
+    const std::filesystem::path target = behindLinks(path);
     struct stat old = {};
     const bool exists = stat(target.c_str(), &old) == 0;
     if (exists && !S_ISREG(old.st_mode)) fail(EINVAL);

@@ -183,6 +183,25 @@ TEST_F(Saving, ReplacesTheFileBehindASymbolicLinkAndKeepsTheLink) {
     EXPECT_EQ(filesInFolder(), 3U);
 }
 
+TEST_F(Saving, ThroughALinkToNothingMakesTheFileItPointsTo) {
+    fs::create_directory(folder / "elsewhere");
+    fs::create_symlink(folder / "elsewhere" / "model.klv", folder / "link");
+    fs::create_symlink("link", folder / "link to link");
+    remplacerFichier(folder / "link to link", "new");
+    EXPECT_TRUE(fs::is_symlink(folder / "link to link"));
+    EXPECT_TRUE(fs::is_symlink(folder / "link"));
+    EXPECT_EQ(contentOf(folder / "elsewhere" / "model.klv"), "new");
+    EXPECT_EQ(filesInFolder(), 3U);
+}
+
+TEST_F(Saving, ThroughLinksThatGoRoundInACircleFails) {
+    fs::create_symlink("there", folder / "back");
+    fs::create_symlink("back", folder / "there");
+    EXPECT_EQ(statusOfSaving(folder / "there", "new"), ELOOP);
+    EXPECT_TRUE(fs::is_symlink(folder / "there"));
+    EXPECT_EQ(filesInFolder(), 2U);
+}
+
 TEST_F(Saving, AcceptsTheLongestFileName) {
     file = folder / std::string(255, 'n');
     remplacerFichier(file, "text");
