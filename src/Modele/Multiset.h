@@ -11,9 +11,8 @@ using Multiset = std::map<std::string, int>;
 
 /// Adds the molecules named in `text` to `m`: words separated by single spaces, each an optional decimal count (1 when
 /// missing) followed by a name of ASCII letters, digits and "_".
-/// @return false at the first word that is not one, or whose count or sum leaves the int range; what stood before it
-/// has
-///         then been added, so callers parse into a fresh multiset.
+/// @return false at the first word that is not one, or whose count or sum leaves the int range. What stood before it
+/// has then been added, so callers parse into a fresh multiset.
 bool toMap(Multiset& m, const std::string& text);
 
 /// The multiset as text: every positive entry as its count (left out when 1), its name and a blank.
