@@ -103,7 +103,6 @@ const std::vector<Point> directions = {{100, 0},   {70, 70},  {0, 100},  {-70, 7
 constexpr Point centre{150, 150};
 
 // -- how arrows hang on their shapes
-// ----------------------------------------------------------------------------------------
 
 TEST(Arrow, KnowsItsEndsAndIsKnownToThem) {
     auto a = disc({0, 0});
@@ -187,7 +186,6 @@ TEST(Arrow, IsFoundAmongManyOnEitherSide) {
 }
 
 // -- the straight arrow
-// -----------------------------------------------------------------------------------------------------
 
 TEST(StraightArrow, Between100And200RunsFrom120To180WithArmsEndingAt170) {
     ArrowBetween scene({100, 100}, {200, 100});
@@ -287,7 +285,6 @@ TEST(StraightArrow, StaysStraightBesideAParallelOne) {
 }
 
 // -- touching shapes
-// --------------------------------------------------------------------------------------------------------
 
 TEST(TouchingShapes, HaveNoArrowBetweenThemToBeSeenOrPicked) {
     for (const double distance : {40.0, 39.9, 20.0, 1.0, 0.0}) {
@@ -319,7 +316,6 @@ TEST(TouchingShapes, HaveNoArrowToBePickedEvenIfItWasPickedBeforeTheyMet) {
 }
 
 // -- curves
-// -----------------------------------------------------------------------------------------------------------------
 
 TEST(ArrowsBothWaysAreCurves, OnOppositeSides) {
     for (const Point& by : directions) {
@@ -389,7 +385,6 @@ TEST(ArrowsBothWaysAreCurves, UnlessTheOtherOneTurnsElsewhere) {
 }
 
 // -- loops
-// ------------------------------------------------------------------------------------------------------------------
 
 class Loop : public testing::Test {
 protected:
@@ -464,7 +459,6 @@ TEST_F(Loop, IsTakenWholeByItsLabelHeadIncluded) {
 }
 
 // -- labels
-// -----------------------------------------------------------------------------------------------------------------
 
 /// Paints `text` with the context's origin at `p` and its x axis turned by `angle`, by hand, beside the arrow's
 /// strokes: what the arrow should look like with it as its label.
@@ -662,7 +656,6 @@ TEST(Label, DoesNotKeepThePickOfTheArrowThatLosesIt) {
 }
 
 // -- missing ends
-// -----------------------------------------------------------------------------------------------------------
 
 TEST(ArrowWithoutAnEnd, IsNeitherSeenNorPicked) {
     TestArea area;

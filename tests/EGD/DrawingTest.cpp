@@ -25,7 +25,6 @@ TEST(Drawing, IsBornUnpickedOutsideAnyAreaAtItsPosition) {
 }
 
 // -- what announces a change
-// ------------------------------------------------------------------------------------------------
 
 struct Operation {
     std::string name;
@@ -116,7 +115,6 @@ TEST(Drawing, HasMovedWhenItsChangeIsAnnounced) {
 }
 
 // -- redraws
-// ----------------------------------------------------------------------------------------------------------------
 
 TEST(DrawingOnAnArea, RequestsARedrawForEveryChangeOfPlaceColourOrWidth) {
     TestArea area;
@@ -151,7 +149,6 @@ TEST(DrawingOnAnArea, RequestsNoRedrawWhenOnlyItsVisibilityChanges) {
 }
 
 // -- painting
-// ---------------------------------------------------------------------------------------------------------------
 
 TEST(DrawnByDefault, OnlyTheOutlineIsPaintedThreePixelsWideInOpaqueBlack) {
     TestArea area;
@@ -272,7 +269,6 @@ TEST(Drawn, TheContextIsLeftAsItWasFound) {
 }
 
 // -- picking
-// ----------------------------------------------------------------------------------------------------------------
 
 TEST(PickedByDefault, ExactlyWithinOneAndAHalfPixelsOfTheOutline) {
     TestArea area;
@@ -340,7 +336,6 @@ TEST(Picked, ThroughWhateverTransformItIsPaintedWith) {
 }
 
 // -- the end
-// ----------------------------------------------------------------------------------------------------------------
 
 TEST(DrawingDestroyed, AnnouncesItsEndOnceAndThenLeavesItsArea) {
     TestArea area;

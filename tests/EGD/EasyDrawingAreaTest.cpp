@@ -97,7 +97,6 @@ void runFor(unsigned int milliseconds) {
 }
 
 // -- construction
-// -----------------------------------------------------------------------------------------------------------
 
 TEST(Area, AsksForEveryKindOfEvent) {
     TestArea area;
@@ -177,7 +176,6 @@ TEST(Area, IgnoresPressesReleasesAndMotionsByDefault) {
 }
 
 // -- the stack
-// --------------------------------------------------------------------------------------------------------------
 
 TEST(AreaStack, AddReturnsTheDrawingAndBecomesItsArea) {
     TestArea area;
@@ -420,7 +418,6 @@ TEST(AreaStack, FollowsAPlainListThroughRandomChanges) {
 }
 
 // -- picking
-// ----------------------------------------------------------------------------------------------------------------
 
 TEST(AreaPick, ReportsEveryDrawingUnderThePointFromTheBottom) {
     TestArea area;
@@ -511,7 +508,6 @@ TEST(AreaTranslate, ReplacesTheOriginReturnsTheAreaAndMovesNothing) {
 }
 
 // -- presses and releases
-// ---------------------------------------------------------------------------------------------------
 
 TEST(AreaPress, WithoutDrawingsReachesTheAreaWithAnEmptyList) {
     LoggingArea area;
@@ -664,7 +660,6 @@ TEST_F(ThreeSquares, MayBePickedAndPaintedAgainInAPress) {
 }
 
 // -- changes of the stack during a paint
-// ------------------------------------------------------------------------------------
 
 TEST_F(ThreeSquares, AreEachPaintedOnceWhenAnotherLeavesDuringThePaint) {
     for (Square* removed : {bottom, top}) {
@@ -709,7 +704,6 @@ TEST_F(ThreeSquares, SurviveThatAllOthersAreDestroyedDuringThePaint) {
 }
 
 // -- motion
-// -----------------------------------------------------------------------------------------------------------------
 
 TEST(AreaMotionDeathTest, StartsWithoutADisplacementOnceForTheWholeProgram) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");  // a new process, in which nothing has moved yet
@@ -779,7 +773,6 @@ TEST(AreaMotion, ArrivesFromTheToolkit) {
 }
 
 // -- redraws
-// ----------------------------------------------------------------------------------------------------------------
 
 TEST(AreaRefresh, IsHarmlessBeforeTheWidgetIsRealised) {
     TestArea area;
@@ -834,7 +827,6 @@ TEST(AreaRefresh, ReachesTheScreen) {
 }
 
 // -- the frame timer
-// --------------------------------------------------------------------------------------------------------
 
 TEST(AreaTimer, DoesNotRunUntilItIsStarted) {
     TestArea area;

@@ -28,7 +28,6 @@ std::string pickedAround(TestArea& area, EGD::Drawing& drawing, double x, double
 }
 
 // -- Line
-// -------------------------------------------------------------------------------------------------------------------
 
 TEST(Line, RunsFromOneEndPointToTheOther) {
     TestArea area;
@@ -71,7 +70,6 @@ TEST(Line, NeverReportsAClickOfItsOwn) {
 }
 
 // -- Arc
-// --------------------------------------------------------------------------------------------------------------------
 
 TEST(Circle, From0To360IsWhole) {
     TestArea area;
@@ -147,7 +145,6 @@ TEST(Circle, LiesInAZoneAroundItsPosition) {
 }
 
 // -- Rectangle
-// --------------------------------------------------------------------------------------------------------------
 
 TEST(Rectangle, HasACornerAtItsPositionAndFourSides) {
     TestArea area;
@@ -213,7 +210,6 @@ TEST(Rectangle, HasTheSurfaceOfItsWidthTimesItsHeight) {
 }
 
 // -- Text
-// -------------------------------------------------------------------------------------------------------------------
 
 /// The text set by hand: bold Monospace of `size` pixels with its top left corner at (x, y) plus the given share of its
 /// size.
@@ -409,7 +405,6 @@ TEST(Text, IsADiscOfRadius10InEveryDirection) {
 }
 
 // -- all of them
-// ------------------------------------------------------------------------------------------------------------
 
 TEST(Shapes, AreDestroyedThroughTheirBases) {
     static_assert(std::is_base_of_v<EGD::Drawing, EGD::Line> && !std::is_base_of_v<EGD::Arrowable, EGD::Line>);
