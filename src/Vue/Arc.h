@@ -27,6 +27,8 @@ public:
     /// Unregisters and destroys this view.
     void sucide() override;
 
+    /// Draws the arrow.
+    bool vDraw(EGD::EasyDrawingArea* area, const Cairo::RefPtr<Cairo::Context>& cr) override;
     bool isPicked() override;
     void unpick() override;
 
@@ -36,7 +38,6 @@ public:
     EGD::Arrow* getArrow() { return &_arrow; }
 
 private:
-    bool vDraw(EGD::EasyDrawingArea* area, const Cairo::RefPtr<Cairo::Context>& cr) override;
     void showRegle();
 
     EGD::Arrow _arrow;

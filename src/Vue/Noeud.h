@@ -36,6 +36,9 @@ public:
     void sucide() override;
 
     double getR(double angle) const override;
+
+    /// Draws the parts: circle, name and, while the node is initial, the marking and its arrow.
+    bool vDraw(EGD::EasyDrawingArea* area, const Cairo::RefPtr<Cairo::Context>& cr) override;
     bool isPicked() override;
     void unpick() override;
 
@@ -51,7 +54,6 @@ public:
     std::string toString() const;
 
 private:
-    bool vDraw(EGD::EasyDrawingArea* area, const Cairo::RefPtr<Cairo::Context>& cr) override;
     void releaseMarking();
 
     EGD::Arc _egdArc;

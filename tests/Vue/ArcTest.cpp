@@ -44,6 +44,13 @@ TEST_F(ArcView, IsAnArrowFromTheSourcesViewToTheDestinationsView) {
     EXPECT_TRUE(looksLike(picture(arc), arrowByHand(nullptr)));
 }
 
+TEST_F(ArcView, DrawsItsArrowAlsoWhenAskedWithoutItsOwnShift) {
+    Vue::Arc* arc = scene.arc(a, b, "x -> y");
+    const Picture picture(300, 200);
+    EXPECT_TRUE(arc->vDraw(scene.area, picture.context()));
+    EXPECT_TRUE(looksLike(picture, arrowByHand("x -> y ")));
+}
+
 TEST_F(ArcView, KnowsItsModelArc) {
     Modele::Arc* model = a->getModele()->addArc(b->getModele(), nullptr);
     EXPECT_EQ(scene.dessin->addArc(model)->getModele(), model);

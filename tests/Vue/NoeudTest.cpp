@@ -14,6 +14,15 @@
 #include "EGD/Text.h"
 #include "Helpers.h"
 
+bool Modele::Noeud::*initFlag();
+
+/// No operation of the model takes the flag away again; an explicit instantiation may name a private member.
+template <bool Modele::Noeud::*flag>
+struct OpenFlag {
+    friend bool Modele::Noeud::*initFlag() { return flag; }
+};
+template struct OpenFlag<&Modele::Noeud::init>;
+
 namespace {
 
 /// A node put together by hand: what a node at (x, y) must look like.
@@ -57,6 +66,15 @@ TEST(NodeView, IsFaintRedInsideAndOutlinedInOpaqueBlackThreePixelsWide) {
     EXPECT_EQ(picture.at(100, 60), black);
     EXPECT_EQ(picture.at(117, 80), (Pixel{255, 205, 205}));
     EXPECT_EQ(picture.at(123, 80), white);
+}
+
+TEST(NodeView, DrawsItsPartsAroundTheOriginThatItIsGiven) {
+    Scene scene;
+    Vue::Noeud* node = scene.initialNode("cell", 5, 6, "2a b");
+    const Picture picture(300, 200);
+    picture.context()->translate(100, 80);
+    EXPECT_TRUE(node->vDraw(scene.area, picture.context()));
+    EXPECT_TRUE(looksLike(picture, ByHand("cell", 100, 80, "2a b ").picture()));
 }
 
 TEST(NodeView, IsPickedAnywhereOnItsCircleAndItsRim) {
@@ -196,6 +214,18 @@ TEST(NodeViewOfAPlainNode, HasNoMarkingAfterAnUpdateEither) {
     const Picture before = scene.picture();
     node->update();
     EXPECT_TRUE(looksLike(scene.picture(), before));
+}
+
+TEST(NodeViewOfAPlainNode, ThatWasInitialHasNoMarkingUntilItIsInitialAgain) {
+    Scene scene;
+    Vue::Noeud* node = scene.initialNode("n", 100, 80, "a");
+    node->getModele()->*initFlag() = false;
+    node->update();
+    EXPECT_TRUE(looksLike(scene.picture(), ByHand("n", 100, 80).picture()));
+    EXPECT_FALSE(scene.isPickedAt(node, 76, 56));
+    node->getModele()->setInit("2b");
+    EXPECT_TRUE(looksLike(scene.picture(), ByHand("n", 100, 80, "2b ").picture()));
+    EXPECT_TRUE(scene.isPickedAt(node, 76, 56));
 }
 
 // -- invisible nodes
