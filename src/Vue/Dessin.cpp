@@ -1,13 +1,15 @@
 #include "Vue/Dessin.h"
 
 #include <algorithm>
-#include <cassert>
 #include <iostream>
 
 #include "Modele/Arc.h"
 #include "Modele/Noeud.h"
 #include "Vue/Arc.h"
 #include "Vue/Noeud.h"
+
+#undef NDEBUG  // sucide ends the program in every build
+#include <cassert>
 
 namespace Vue {
 

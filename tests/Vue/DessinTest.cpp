@@ -68,9 +68,15 @@ TEST(Dessin, HasNoViewForAnUnknownNode) {
     EXPECT_EQ(scene.dessin->toString(), "a(1, 2);\n") << "asking makes none";
 }
 
-TEST(Dessin, IsTextOfAllNodesInTheirOrder) {
+TEST(Dessin, WithoutNodesIsTheEmptyText) {
     Scene scene;
     EXPECT_EQ(scene.dessin->toString(), "");
+    scene.klv->removeNoeud(scene.node("a", 1, 2)->getModele());
+    EXPECT_EQ(scene.dessin->toString(), "");
+}
+
+TEST(Dessin, IsTextOfAllNodesInTheirOrder) {
+    Scene scene;
     scene.node("zeta", 1, 2);
     scene.node("alpha", 3.9, -4.9);
     scene.node("mid", 5, 6);
