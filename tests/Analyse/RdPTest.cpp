@@ -227,6 +227,12 @@ TEST(PrefixNet, NumbersAnArcsTwoLinesOneAfterTheOtherAndPutsTheFirstCopyFirst) {
               "pl q0 (1)\n");
 }
 
+TEST(PrefixNet, GivesAnArcWithoutRuleTheSameLineInBothCopiesButForItsNumber) {
+    const std::string net = prefixNetOf("A : a; A -> A : a -> ; B -> A;");
+    EXPECT_THAT(net, HasSubstr("\ntr t4 q2 -> q1 \n"));
+    EXPECT_THAT(net, HasSubstr("\ntr t5 q2 -> q1 \n"));
+}
+
 TEST(PrefixNet, DoesNotMoveAMoleculeThatOnlyMarksANodeThatIsNotInitial) {
     const auto model = readModel("A -> B : a -> ; C : ;");
     model->getNoeuds()["B"]->getMarquage()["hidden"] = 1;

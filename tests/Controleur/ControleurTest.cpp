@@ -2,6 +2,9 @@
 #include "Editing.h"
 
 #include <sstream>
+#include <vector>
+
+#include "Controleur/VirtualSousControleur.h"
 
 namespace {
 
@@ -280,6 +283,64 @@ TEST_F(EventOrder, ClearingWritesEachNodesEndInTheOrderOfTheNames) {
     EXPECT_THAT(lines(), ElementsAre("Modele::Noeud::~Noeud", "Arc::~Arc", "sucide !", "remove noeud (@)", "POP !",
                                      "Vue::Noeud::~Noeud ()", "Modele::Noeud::~Noeud", "sucide !", "remove noeud (@)",
                                      "POP !", "Vue::Noeud::~Noeud ()"));
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Gestures in general
+// ---------------------------------------------------------------------------------------------------------------------
+
+class AGesture : public VirtualSousControleur {
+public:
+    using VirtualSousControleur::getVue;
+    using VirtualSousControleur::VirtualSousControleur;
+};
+
+TEST_F(ControleurOperations, AGestureThatDefinesNothingLetsEveryEventPassAndDoesNothing) {
+    Vue::Noeud* const A = node("A", 100, 100);
+    Vue::Arc* const loop = arc(A, A);
+    const Content before = content();
+    lines();
+    for (const Controleur::Mode mode : {Controleur::SELECT, Controleur::ARC, Controleur::NOEUD}) {
+        controleur->setMode(mode);
+        AGesture gesture(controleur.get());
+        for (const GdkEventType type : {GDK_BUTTON_PRESS, GDK_2BUTTON_PRESS, GDK_BUTTON_RELEASE}) {
+            GdkEventButton event = buttonEvent(100, 100, type);
+            EXPECT_FALSE(gesture.noeudSelected(&event, A));
+            EXPECT_FALSE(gesture.arcSelected(&event, loop));
+            EXPECT_FALSE(gesture.buttonPressed(&event));
+            EXPECT_FALSE(gesture.buttonReleased(&event));
+        }
+        GdkEventMotion motion = motionEvent(100, 100);
+        EXPECT_FALSE(gesture.mouseMoved(&motion, 7, 7));
+        GdkEventKey key = {};
+        EXPECT_FALSE(gesture.keyPressed(&key));
+        gesture.modeChanged();
+    }
+    EXPECT_EQ(content(), before);
+    EXPECT_THAT(lines(), IsEmpty());
+}
+
+TEST_F(ControleurOperations, AGestureKnowsTheDrawing) { EXPECT_EQ(AGesture(controleur.get()).getVue(), drawing); }
+
+TEST_F(ControleurOperations, NoGestureDeletesANodeOrAnArc) {
+    for (const Controleur::Mode mode : {Controleur::SELECT, Controleur::ARC, Controleur::NOEUD}) {
+        controleur->clear();
+        arc(node("A", 100, 100), node("B", 300, 100));
+        controleur->setMode(mode);
+        const std::size_t prompts = mode == Controleur::ARC ? 3 : 4;
+        const Dialogs dialogs(std::vector<Dialogs::Answer>(prompts, cancel()));
+        for (const guint button : {1U, 2U, 3U}) {
+            mouse->clickAt(100, 100, button);
+            mouse->clickAt(200, 100, button);
+        }
+        mouse->doubleClickAt(300, 100);
+        for (const guint keyval : {GDK_KEY_Delete, GDK_KEY_BackSpace}) key(keyval);
+        mouse->drag({100, 100}, {300, 100});
+        mouse->drag({300, 100}, {300, 300});
+        EXPECT_EQ(dialogs.seen().size(), prompts);
+        EXPECT_THAT(content().nodes, testing::IsSupersetOf({testing::Key("A"), testing::Key("B")}));
+        EXPECT_THAT(content().arcs, testing::Contains(plainArc("A", "B")));
+    }
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
