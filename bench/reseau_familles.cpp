@@ -255,7 +255,7 @@ Reseau::Net modeleAuHasard(Genre genre, int noeuds, int molecules, std::uint64_t
         for (int k = tirer(h, 3); k > 0; --k) {
             const int premier = genre == Genre::ETAGE ? dernier + 1 : 0;
             const int m = premier + tirer(h, molecules - premier);
-            const int poids = 1 + tirer(h, genre == Genre::ECONOME ? std::min(3, pris) : 3);
+            const int poids = 1 + tirer(h, 3);
             if (genre == Genre::ECONOME && poids > pris) break;
             pris -= poids;
             post += " " + nom("m", m) + "*" + std::to_string(poids);
