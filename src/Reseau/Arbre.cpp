@@ -14,22 +14,20 @@ std::uint32_t Arbre::ajouter(const Mot* m, std::uint32_t parent, std::uint32_t t
         noeuds_.emplace_back();
         gardes_.ajouter();
     } else {
-        libre_ = noeuds_[n].suivant;
+        libre_ = noeuds_[n].parent;
     }
     champs_->ranger(m, gardes_.en(n));
-    const std::uint32_t profondeur = parent == AUCUN ? 0 : noeuds_[parent].profondeur + 1;
-    noeuds_[n] = {parent, tir, profondeur, 1, AUCUN, noeuds_[n].generation + 1};
-    if (parent != AUCUN) ++noeuds_[parent].besoin;
+    noeuds_[n] = {parent, tir, parent == AUCUN ? 0 : noeuds_[parent].profondeur + 1, AUCUN};
+    if (parent != AUCUN) ++noeuds_[parent].lien;
     if (!pompes.empty()) pompes_.emplace(n, std::move(pompes));
     return n;
 }
 
 void Arbre::lacher(std::uint32_t n) {
     if (toutGarder_) return;
-    while (n != AUCUN && --noeuds_[n].besoin == 0) {
+    while (n != AUCUN && --noeuds_[n].lien == 0) {
         pompes_.erase(n);
-        noeuds_[n].suivant = std::exchange(libre_, n);
-        n = noeuds_[n].parent;
+        n = std::exchange(noeuds_[n].parent, std::exchange(libre_, n));
     }
 }
 
@@ -50,7 +48,7 @@ std::vector<Pas> Arbre::chemin(std::uint32_t n) const {
 
 std::uint32_t Arbre::chercher(const Mot* m) const {
     for (std::uint32_t n = 0; n < noeuds_.size(); ++n)
-        if (noeuds_[n].besoin > 0 && champs_->egale(gardes_.en(n), m)) return n;
+        if (champs_->egale(gardes_.en(n), m)) return n;
     return AUCUN;
 }
 
@@ -60,7 +58,6 @@ void Arbre::convertir(const Champs& champs) {
     std::vector<Mot> vers(champs.mots());
     for (std::uint32_t n = 0; n < noeuds_.size(); ++n) {
         std::uint8_t* place = neuves.ajouter();
-        if (noeuds_[n].besoin == 0) continue;
         lire(n, de.data());
         Reseau::convertir(*champs_, de.data(), champs, vers.data());
         champs.ranger(vers.data(), place);
@@ -74,14 +71,14 @@ void Lignee::suivre(const Arbre& arbre, const Champs& champs, std::uint32_t n) {
     montee_.clear();
     for (; n != Arbre::AUCUN; n = arbre.parent(n)) {
         const std::uint32_t p = arbre.profondeur(n);
-        if (p < noeuds_.size() && noeuds_[p] == std::pair(n, arbre.generation(n))) break;
+        if (p < noeuds_.size() && noeuds_[p] == n) break;
         montee_.push_back(n);
     }
     noeuds_.resize(n == Arbre::AUCUN ? 0 : arbre.profondeur(n) + 1);
     mots_.resize((noeuds_.size() + montee_.size()) * pas_);
     for (auto i = montee_.rbegin(); i != montee_.rend(); ++i) {
         arbre.lire(*i, &mots_[noeuds_.size() * pas_]);
-        noeuds_.emplace_back(*i, arbre.generation(*i));
+        noeuds_.push_back(*i);
     }
 }
 

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <deque>
 #include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "Reseau/Acceleration.h"
@@ -25,20 +24,22 @@ public:
     /// Keeps every node from now on.
     void toutGarder() { toutGarder_ = true; }
 
-    /// Adds a node, which is needed until `lacher`.
+    /// Adds a node, which waits.
     /// @param pompes the accelerations applied after the transition
     /// @throws std::bad_alloc
     std::uint32_t ajouter(const Mot* m, std::uint32_t parent, std::uint32_t tir, std::vector<std::uint32_t> pompes);
+    /// Says that `n` waits no longer: now it can have children.
+    void ouvrir(std::uint32_t n) { noeuds_[n].lien = 1; }
     /// Says that `n` is needed for its children only.
     void lacher(std::uint32_t n);
+    /// Whether a node that has been opened is still there.
+    bool garde(std::uint32_t n) const { return noeuds_[n].lien > 0; }
 
     std::uint32_t parent(std::uint32_t n) const { return noeuds_[n].parent; }
     std::uint32_t profondeur(std::uint32_t n) const { return noeuds_[n].profondeur; }
     void lire(std::uint32_t n, Mot* m) const { champs_->reprendre(gardes_.en(n), m); }
-    /// Tells apart the nodes that stood in one place after each other.
-    std::uint32_t generation(std::uint32_t n) const { return noeuds_[n].generation; }
-    /// A link for the one who holds the node.
-    std::uint32_t& suivant(std::uint32_t n) { return noeuds_[n].suivant; }
+    /// A link between nodes that wait.
+    std::uint32_t& suivant(std::uint32_t n) { return noeuds_[n].lien; }
 
     /// Appends the steps from `ancetre` (AUCUN: from the start) to `n`, in reverse.
     void remonter(std::uint32_t n, std::uint32_t ancetre, std::vector<Pas>& envers) const;
@@ -55,31 +56,33 @@ private:
         std::uint32_t parent = AUCUN;
         std::uint32_t tir = AUCUN;
         std::uint32_t profondeur = 0;
-        std::uint32_t besoin = 1;  // children, and one for itself
-        std::uint32_t suivant = AUCUN;
-        std::uint32_t generation = 0;
+        std::uint32_t lien = 0;  // of one that waits, see `suivant`; afterwards its children, and one until `lacher`
     };
 
     const Champs* champs_;
     std::deque<Noeud> noeuds_;
     Blocs gardes_;  // their markings
     std::unordered_map<std::uint32_t, std::vector<std::uint32_t>> pompes_;
-    std::uint32_t libre_ = AUCUN;  // chained by `suivant`
+    std::uint32_t libre_ = AUCUN;  // places to be used again, chained by `parent`
     bool toutGarder_ = false;
 };
 
 /// The way from the root to one node, at hand for comparisons; going on to a near node costs little.
 class Lignee {
 public:
-    /// Goes to node `n`, which is its last.
+    /// Goes to the open node `n`, which is its last.
     void suivre(const Arbre& arbre, const Champs& champs, std::uint32_t n);
     std::uint32_t profondeur() const { return static_cast<std::uint32_t>(noeuds_.size() - 1); }
-    std::uint32_t noeud(std::uint32_t profondeur) const { return noeuds_[profondeur].first; }
+    std::uint32_t noeud(std::uint32_t profondeur) const { return noeuds_[profondeur]; }
     const Mot* mots(std::uint32_t profondeur) const { return &mots_[profondeur * pas_]; }
+    /// Forgets the nodes that are no longer there.
+    void elaguer(const Arbre& arbre) {
+        while (!noeuds_.empty() && !arbre.garde(noeuds_.back())) noeuds_.pop_back();
+    }
     void convertir(const Champs& de, const Champs& vers);
 
 private:
-    std::vector<std::pair<std::uint32_t, std::uint32_t>> noeuds_;  // and their generation
+    std::vector<std::uint32_t> noeuds_;
     std::vector<Mot> mots_;
     std::size_t pas_ = 0;
     std::vector<std::uint32_t> montee_;

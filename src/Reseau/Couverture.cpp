@@ -103,8 +103,9 @@ std::uint32_t Couverture::sommet() {
         if (maximal) accelerations_.appliquer(courant_, pompes);
         if (maximal && pompes.empty()) return n;
         oterSommet();
+        arbre_.ouvrir(n);
         if (maximal && !connu()) garder(n, AUCUN, std::move(pompes));
-        arbre_.lacher(n);
+        fermer(n);
     }
     return AUCUN;
 }
@@ -119,13 +120,20 @@ void Couverture::oterSommet() {
 void Couverture::developper(std::uint32_t noeud) {
     ++explores_;
     oterSommet();
+    arbre_.ouvrir(noeud);
     lignee_.suivre(arbre_, *champs_, noeud);
     for (std::uint32_t t = 0; t < franchissement_.nombre(); ++t) {
         if (!franchissement_.utile(t, parent_.mots())) continue;
         // Its coverer stands in the frontier and is expanded in its place.
         if (successeur(noeud, t) && champs_->couvre(courant_.mots(), parent_.mots())) break;
     }
+    fermer(noeud);
+}
+
+/// Ends the expansion of a node.
+void Couverture::fermer(std::uint32_t noeud) {
     arbre_.lacher(noeud);
+    lignee_.elaguer(arbre_);
 }
 
 /// @return whether the successor is kept

@@ -112,6 +112,7 @@ private:
     std::uint32_t sommet();
     void oterSommet();
     void developper(std::uint32_t noeud);
+    void fermer(std::uint32_t noeud);
     bool successeur(std::uint32_t parent, std::uint32_t tir);
     bool connu() const;
     Rang rangDuCourant() const;

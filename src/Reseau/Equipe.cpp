@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <system_error>
-#include <utility>
 
 namespace Reseau {
 
@@ -38,8 +37,11 @@ void Equipe::executer(const std::function<void(unsigned)>& travail) {
         std::unique_lock garde(verrou_);
         fin_.wait(garde, [this] { return occupes_ == 0; });
     }
-    for (std::exception_ptr& e : erreurs_)
-        if (e) std::rethrow_exception(std::exchange(e, nullptr));
+    const auto premiere = std::ranges::find_if(erreurs_, [](const std::exception_ptr& e) { return e != nullptr; });
+    if (premiere == erreurs_.end()) return;
+    const std::exception_ptr erreur = *premiere;
+    std::ranges::fill(erreurs_, nullptr);
+    std::rethrow_exception(erreur);
 }
 
 void Equipe::faire(unsigned i) {

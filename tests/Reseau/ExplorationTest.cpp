@@ -1,0 +1,287 @@
+// The parts that the exploration is built from, each against the plainest thing that does the same; and the exploration
+// itself with different numbers of threads, which must not differ in a single byte.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "Outils.h"
+#include "Reseau/Antichaine.h"
+#include "Reseau/Champs.h"
+#include "Reseau/Conservation.h"
+#include "Reseau/Couverture.h"
+#include "Reseau/Ecriture.h"
+#include "Reseau/Ensemble.h"
+#include "Reseau/Equipe.h"
+#include "Reseau/Lecture.h"
+#include "Reseau/Reseau.h"
+#include "reseau_familles.h"
+
+namespace {
+
+using essai::Hasard;
+using essai::tirer;
+using Reseau::Champs;
+using Reseau::Compte;
+using Reseau::Mot;
+using Reseau::OMEGA;
+using Comptes = std::vector<Compte>;
+using Mots = std::vector<Mot>;
+
+constexpr auto SANS_LIMITE = std::numeric_limits<std::uint64_t>::max();
+
+Mots emballer(const Champs& champs, const Comptes& comptes) {
+    Mots m(champs.mots(), 0);
+    for (std::uint32_t p = 0; p < comptes.size(); ++p) champs.poser(m.data(), p, comptes[p]);
+    return m;
+}
+
+Comptes deballer(const Champs& champs, const Mot* m) {
+    Comptes comptes(champs.places());
+    for (std::uint32_t p = 0; p < comptes.size(); ++p) comptes[p] = champs.lire(m, p);
+    return comptes;
+}
+
+/// A packed marking as it is kept.
+std::vector<std::uint8_t> garder(const Champs& champs, const Comptes& comptes) {
+    std::vector<std::uint8_t> octets(champs.octets() + Champs::MARGE, 0xA5);
+    champs.ranger(emballer(champs, comptes).data(), octets.data());
+    return octets;
+}
+
+Comptes lireGarde(const Champs& champs, const std::uint8_t* octets) {
+    Mots m(champs.mots());
+    champs.reprendre(octets, m.data());
+    return deballer(champs, m.data());
+}
+
+bool couvre(const Comptes& a, const Comptes& b) { return std::ranges::equal(a, b, std::ranges::greater_equal()); }
+
+/// A count from 0 to `plafond`, the ends more often than chance would have it; now and then OMEGA.
+Compte compteAuHasard(Hasard& h, Compte plafond, bool omegas) {
+    switch (tirer(h, omegas ? 6 : 5)) {
+        case 0:
+            return 0;
+        case 1:
+            return plafond;
+        case 5:
+            return OMEGA;
+        default:
+            return static_cast<Compte>(h() % (static_cast<std::uint64_t>(plafond) + 1));
+    }
+}
+
+TEST(ChampsTest, PackedMarkingsAreReadComparedJoinedAndConvertedAsTheirCountsAre) {
+    Hasard h(1);
+    for (int tour = 0; tour < 3000; ++tour) {
+        const bool omegas = tour % 2 == 0;
+        Comptes plafonds(static_cast<std::size_t>(1 + tirer(h, 40)));
+        Comptes plusLarges = plafonds;
+        Comptes a = plafonds;
+        Comptes b = plafonds;
+        for (std::size_t p = 0; p < plafonds.size(); ++p) {
+            plafonds[p] = tirer(h, 3) == 0 ? static_cast<Compte>(h() >> (1 + h() % 63)) : tirer(h, 9);
+            plafonds[p] = std::min(plafonds[p], OMEGA - 1);
+            plusLarges[p] = tirer(h, 2) == 0 ? plafonds[p] : OMEGA - 1;
+            a[p] = compteAuHasard(h, plafonds[p], omegas);
+            b[p] = tirer(h, 3) == 0 ? compteAuHasard(h, plafonds[p], omegas) : a[p];
+        }
+        const Champs champs(plafonds, omegas);
+        const Mots motsA = emballer(champs, a);
+        std::vector<std::uint8_t> gardeB = garder(champs, b);
+        ASSERT_EQ(deballer(champs, motsA.data()), a);
+        ASSERT_EQ(lireGarde(champs, gardeB.data()), b);
+        ASSERT_EQ(champs.egale(gardeB.data(), motsA.data()), a == b);
+        for (std::uint32_t p = 0; p < plafonds.size(); ++p) ASSERT_GE(champs.plafond(p), plafonds[p]);
+        if (!omegas) continue;
+        ASSERT_EQ(champs.couvre(gardeB.data(), motsA.data()), couvre(b, a));
+        ASSERT_EQ(champs.couverte(gardeB.data(), motsA.data()), couvre(a, b));
+        ASSERT_EQ(champs.couvre(motsA.data(), emballer(champs, b).data()), couvre(a, b));
+        Comptes jointure = a;
+        Comptes rencontre = a;
+        for (std::size_t p = 0; p < a.size(); ++p) {
+            jointure[p] = std::max(a[p], b[p]);
+            rencontre[p] = std::min(a[p], b[p]);
+        }
+        champs.joindre(gardeB.data(), motsA.data());
+        ASSERT_EQ(lireGarde(champs, gardeB.data()), jointure);
+        gardeB = garder(champs, b);
+        champs.rencontrer(gardeB.data(), motsA.data());
+        ASSERT_EQ(lireGarde(champs, gardeB.data()), rencontre);
+        const Champs larges(plusLarges, true);
+        Mots convertie(larges.mots());
+        Reseau::convertir(champs, motsA.data(), larges, convertie.data());
+        ASSERT_EQ(deballer(larges, convertie.data()), a);
+    }
+}
+
+TEST(EnsembleTest, ItHoldsWhatWasAddedOnceEach) {
+    Hasard h(2);
+    for (const std::size_t places : {1U, 3U, 7U, 30U}) {
+        const Champs champs(Comptes(places, 200), false);
+        Reseau::Ensemble ensemble;
+        std::set<Comptes> temoin;
+        for (int i = 0; i < 20'000; ++i) {
+            Comptes comptes(places);
+            for (Compte& c : comptes) c = tirer(h, places == 1 ? 200 : 8);
+            const Mots m = emballer(champs, comptes);
+            ASSERT_EQ(ensemble.ajouter(champs, m.data(), Reseau::empreinte(m.data(), m.size())),
+                      temoin.insert(comptes).second);
+        }
+        ASSERT_EQ(ensemble.taille(), temoin.size());
+        std::set<Comptes> lus;
+        ensemble.pourChaque(champs, [&](const std::uint8_t* garde) { lus.insert(lireGarde(champs, garde)); });
+        EXPECT_EQ(lus, temoin);
+    }
+}
+
+/// The same questions to the index and to a list.
+class Antichaines : public testing::Test {
+protected:
+    void ajouter(const Comptes& comptes) {
+        const Mots m = emballer(*champs, comptes);
+        const auto egale = [&](const Comptes& autre) { return autre == comptes; };
+        ASSERT_EQ(index.contient(m.data()), std::ranges::any_of(liste, egale));
+        const bool couvert = std::ranges::any_of(liste, [&](const Comptes& autre) { return couvre(autre, comptes); });
+        ASSERT_EQ(index.couvre(m.data()), couvert);
+        if (couvert) return;
+        index.retirer(m.data());
+        index.ajouter(m.data());
+        std::erase_if(liste, [&](const Comptes& autre) { return couvre(comptes, autre); });
+        liste.push_back(comptes);
+        ASSERT_EQ(index.taille(), liste.size());
+    }
+    void elargir() {
+        auto larges = std::make_unique<const Champs>(Comptes(PLACES, 100'000), true);
+        index.convertir(*larges);
+        champs = std::move(larges);
+    }
+    void comparer() {
+        std::vector<Comptes> lus;
+        index.pourChaque([&](const std::uint8_t* garde) { lus.push_back(lireGarde(*champs, garde)); });
+        EXPECT_THAT(lus, testing::UnorderedElementsAreArray(liste));
+    }
+
+    static constexpr std::size_t PLACES = 6;
+    std::unique_ptr<const Champs> champs = std::make_unique<const Champs>(Comptes(PLACES, 3000), true);
+    Reseau::Antichaine index{*champs};
+    std::vector<Comptes> liste;
+};
+
+TEST_F(Antichaines, RandomMarkingsAreCoveredAndRetiredAsInAList) {
+    Hasard h(3);
+    for (int i = 0; i < 4000; ++i) {
+        Comptes comptes(PLACES);
+        for (Compte& c : comptes) c = tirer(h, 200) == 0 ? OMEGA : tirer(h, 4 + i / 400);
+        ajouter(comptes);
+        if (i == 2000) elargir();
+    }
+    EXPECT_GT(liste.size(), 100U);
+    comparer();
+    ajouter(Comptes(PLACES, OMEGA));
+    EXPECT_EQ(liste.size(), 1U);
+    comparer();
+}
+
+TEST_F(Antichaines, MarkingsThatComeInOrderAreFoundAgain) {
+    for (Compte i = 0; i < 3000; ++i) ajouter({i, 3000 - i, i % 2, 1 - i % 2, 0, 0});
+    EXPECT_EQ(liste.size(), 3000U);
+    comparer();
+    for (Compte i = 0; i < 3000; i += 2) ajouter({i + 1, 3000 - i, 1, 1, 1, 0});
+    comparer();
+}
+
+TEST(EquipeTest, EveryMemberDoesItsPartAndTheFirstErrorIsThrown) {
+    Reseau::Equipe equipe(4);
+    ASSERT_EQ(equipe.taille(), 4U);
+    std::vector<int> faits(4, 0);
+    for (int tour = 0; tour < 1000; ++tour) equipe.executer([&](unsigned i) { ++faits[i]; });
+    EXPECT_EQ(faits, std::vector<int>(4, 1000));
+    const auto echouer = [](unsigned i) {
+        if (i > 0) throw std::runtime_error(std::to_string(i));
+    };
+    for (int tour = 0; tour < 10; ++tour)
+        EXPECT_THAT([&] { equipe.executer(echouer); }, testing::ThrowsMessage<std::runtime_error>("1"));
+    equipe.executer([&](unsigned i) { ++faits[i]; });
+    EXPECT_EQ(faits, std::vector<int>(4, 1001));
+}
+
+const std::vector<unsigned> FILS{1, 2, 3, 8};
+
+/// Everything that an exploration of the whole set shows, in its order.
+std::string exploration(const Reseau::Net& net, unsigned fils) {
+    Reseau::Couverture c(net, fils);
+    if (Reseau::conservatif(net)) c.declarerIncomparables();
+    std::ostringstream out;
+    for (std::uint64_t limite = 1000; !c.explorer(limite, false); limite *= 2) out << c.maximaux() << ' ';
+    out << c.explores() << ' ' << c.maximaux();
+    for (const Compte m : c.maxima()) out << ' ' << m;
+    std::uint64_t h = 0;
+    c.pourChaqueMaximal([&](const Reseau::Creux& marquage) {
+        for (const Reseau::Poids& p : marquage)
+            h = (h ^ static_cast<std::uint64_t>(p.compte) ^ (std::uint64_t{p.place} << 40)) * 0x9E3779B97F4A7C15U;
+        h ^= h >> 29;
+    });
+    out << ' ' << h;
+    return out.str();
+}
+
+TEST(Fils, TheSetOfAFamilyComesInTheSameOrderWhateverTheirNumber) {
+    const std::vector<std::pair<std::string, int>> nets{{"kanban", 2}, {"kanban", 3},           {"fms", 2},
+                                                        {"fms", 3},    {"readers-writers", 50}, {"mesh", 2}};
+    for (const auto& [nom, n] : nets) {
+        const Reseau::Net net = std::ranges::find(familles::toutes(), nom, &familles::Famille::nom)->net(n);
+        ASSERT_TRUE(Reseau::conservatif(net)) << nom;
+        const std::string seul = exploration(net, 1);
+        for (const unsigned fils : FILS) ASSERT_EQ(exploration(net, fils), seul) << nom << ' ' << n << ' ' << fils;
+    }
+}
+
+TEST(Fils, AReportOnARandomNetIsTheSameWhateverTheirNumber) {
+    Hasard h(5);
+    for (int i = 0; i < 500; ++i) {
+        const essai::Net net = i % 2 == 0 ? essai::netAuHasard(h) : essai::netDeReseauAuHasard(h);
+        std::istringstream texte(net.texte());
+        const Reseau::Net lu = Reseau::lire(texte, "essai");
+        std::vector<std::string> rapports;
+        for (const unsigned fils : FILS) {
+            std::ostringstream out;
+            Reseau::ecrire(out, lu, Reseau::analyser(lu, {.essai = static_cast<std::uint64_t>(i), .fils = fils}));
+            rapports.push_back(out.str());
+        }
+        ASSERT_THAT(rapports, testing::Each(rapports.front())) << net.texte();
+    }
+}
+
+/// A ring in which the counts grow long after the threads have started, so that everything is packed anew under way.
+TEST(Fils, CountsThatOutgrowTheirFieldsLateAreTheSameWhateverTheirNumber) {
+    std::istringstream texte(
+        "tr a p0 -> p1\ntr b p1 -> p2\ntr c p2 -> p3\ntr d p3 -> p4\ntr e p4*30 -> p5*30\ntr f p5*30 -> p0*30\npl p0 "
+        "(32)\n");
+    const Reseau::Net net = Reseau::lire(texte, "essai");
+    const std::string seul = exploration(net, 1);
+    EXPECT_THAT(seul, testing::HasSubstr(" 32 32 32 32 32 30 "));
+    for (const unsigned fils : FILS) EXPECT_EQ(exploration(net, fils), seul);
+}
+
+TEST(Fils, ACountBeyond64BitsIsAnErrorWhateverTheirNumber) {
+    std::ostringstream net;
+    net << "tr x p1*4 p4*4 p7*4 -> q*4000000000000000000\npl p0 (12)\npl q (6000000000000000000)\n";
+    for (int i = 0; i < 8; ++i) net << "tr t" << i << " p" << i << " -> p" << (i + 1) % 8 << '\n';
+    std::istringstream texte(net.str());
+    const Reseau::Net lu = Reseau::lire(texte, "essai");
+    for (const unsigned fils : FILS) {
+        Reseau::Couverture c(lu, fils);
+        c.declarerIncomparables();
+        EXPECT_THROW(c.explorer(SANS_LIMITE, false), Reseau::Debordement);
+        EXPECT_GT(c.explores(), 4096U) << "too early for the threads to have started";
+    }
+}
+
+}  // namespace
