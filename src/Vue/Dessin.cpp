@@ -25,6 +25,7 @@ int extentFor(double coordinate) { return static_cast<int>(std::clamp(coordinate
 Dessin::Dessin(EGD::EasyDrawingArea* area) : Object(nullptr), _area(area) {
     _area->signal_button_press_event().connect(sigc::mem_fun(*this, &Dessin::buttonPressed));
     _area->signal_button_press_event().connect(sigc::mem_fun(*this, &Dessin::arcPressed));
+    _area->get_size_request(_initialWidth, _initialHeight);
 }
 
 Dessin::~Dessin() {
@@ -83,10 +84,7 @@ void Dessin::removeNoeud(Vue::Noeud* view) {
     _mNoeud.erase(view->getModele());
     delete view;
 
-    if (_vNoeud.empty()) {
-        _width = _height = 0;
-        _area->set_size_request();
-    }
+    if (_vNoeud.empty()) _area->set_size_request(_initialWidth, _initialHeight);
 }
 
 void Dessin::removeArc(Vue::Arc* view) {
@@ -96,12 +94,12 @@ void Dessin::removeArc(Vue::Arc* view) {
 
 /// Grows the area so that `view` can be scrolled to. It shrinks again once the drawing is empty.
 void Dessin::growToShow(const Vue::Noeud& view) {
-    const int width = std::max(_width, extentFor(view.getPosX()));
-    const int height = std::max(_height, extentFor(view.getPosY()));
-    if (width == _width && height == _height) return;
-    _width = width;
-    _height = height;
-    _area->set_size_request(_width, _height);
+    int width = 0;
+    int height = 0;
+    _area->get_size_request(width, height);
+    const int wider = std::max(width, extentFor(view.getPosX()));
+    const int higher = std::max(height, extentFor(view.getPosY()));
+    if (wider != width || higher != height) _area->set_size_request(wider, higher);
 }
 
 bool Dessin::buttonPressed(GdkEventButton* event) {

@@ -91,8 +91,10 @@ private:
     std::set<Vue::Arc*> _sArc;
 
     std::unordered_map<Vue::Noeud*, std::size_t> _places;  // where each view stands in _vNoeud
-    int _width = 0;                                        // what has been asked for the area, in pixels
-    int _height = 0;
+
+    // What was asked for the area before it was given to the drawing, in pixels; -1 for nothing.
+    int _initialWidth = -1;
+    int _initialHeight = -1;
 };
 
 }  // namespace Vue

@@ -206,14 +206,16 @@ TEST(Dessin, GivesTheEventsOfItsArea) {
     EXPECT_EQ(dx, 4);
 }
 
+std::pair<int, int> requestOf(const Gtk::Widget& widget) {
+    int width = 0;
+    int height = 0;
+    widget.get_size_request(width, height);
+    return {width, height};
+}
+
 TEST(Dessin, GrowsItsAreaToHoldEveryNode) {
     Scene scene;
-    const auto request = [&] {
-        int width = 0;
-        int height = 0;
-        scene.area->get_size_request(width, height);
-        return std::pair(width, height);
-    };
+    const auto request = [&] { return requestOf(*scene.area); };
     Vue::Noeud* a = scene.node("a", 1500, 300);
     EXPECT_GE(request().first, 1500 + 22);
     EXPECT_GE(request().second, 300 + 22);
@@ -230,6 +232,20 @@ TEST(Dessin, GrowsItsAreaToHoldEveryNode) {
     EXPECT_GE(request().first, 3010 + 22);
     scene.klv->clear();
     EXPECT_EQ(request(), std::pair(-1, -1)) << "an empty drawing asks for nothing";
+}
+
+TEST(Dessin, NeverTakesAwayTheSizeThatItsAreaWasGivenBefore) {
+    auto* area = new TestArea;
+    area->set_size_request(400, 300);
+    Modele::KLV klv;
+    Vue::Dessin dessin(area);
+    dessin.addNoeud(klv.addNoeud("a"), 10, 10);
+    EXPECT_EQ(requestOf(*area), std::pair(400, 300));
+    dessin.addNoeud(klv.addNoeud("b"), 10, 1000);
+    EXPECT_EQ(requestOf(*area).first, 400);
+    EXPECT_GE(requestOf(*area).second, 1000 + 22);
+    klv.clear();
+    EXPECT_EQ(requestOf(*area), std::pair(400, 300));
 }
 
 // -- presses
