@@ -20,9 +20,10 @@ public:
     /// The bounding box relative to the position.
     virtual void getZone(double& x1, double& y1, double& x2, double& y2) const;
 
-private:
+    /// Builds the path.
     bool vDraw(EasyDrawingArea* area, const Cairo::RefPtr<Cairo::Context>& cr) override;
 
+private:
     double r_;
     double angle1_;  // radians
     double angle2_;

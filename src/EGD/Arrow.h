@@ -38,10 +38,12 @@ public:
     bool isPicked() override;
     void unpick() override;
 
+    /// Builds the path; the label, which is drawn on the way, takes what is built before it.
+    bool vDraw(EasyDrawingArea* area, const Cairo::RefPtr<Cairo::Context>& cr) override;
+
 private:
     friend class Arrowable;
 
-    bool vDraw(EasyDrawingArea* area, const Cairo::RefPtr<Cairo::Context>& cr) override;
     void drawBetween(EasyDrawingArea* area, const Cairo::RefPtr<Cairo::Context>& cr);
     void drawLoop(EasyDrawingArea* area, const Cairo::RefPtr<Cairo::Context>& cr);
     void drawLabelBeside(EasyDrawingArea* area, const Cairo::RefPtr<Cairo::Context>& cr, double x, double y);

@@ -13,9 +13,10 @@ public:
     /// Always false: a line is picked through its stroke, like any drawing.
     virtual bool isClicked(double x, double y) const;
 
-private:
+    /// Builds the path.
     bool vDraw(EasyDrawingArea* area, const Cairo::RefPtr<Cairo::Context>& cr) override;
 
+private:
     double x1_;
     double y1_;
     double x2_;

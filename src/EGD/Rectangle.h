@@ -20,9 +20,10 @@ public:
     /// The area, in square pixels of user space.
     double getSurface() const { return width_ * height_; }
 
-private:
+    /// Builds the path: four sides from the position back to it, not closed.
     bool vDraw(EasyDrawingArea* area, const Cairo::RefPtr<Cairo::Context>& cr) override;
 
+private:
     double width_;
     double height_;
     bool filled_;

@@ -26,9 +26,10 @@ public:
     virtual void setHorizontalCenter(bool centered);
     virtual void setVerticalCenter(bool centered);
 
-private:
+    /// Paints the glyphs.
     bool vDraw(EasyDrawingArea* area, const Cairo::RefPtr<Cairo::Context>& cr) override;
 
+private:
     bool mayReach(const Cairo::RefPtr<Cairo::Context>& cr) const;
     const Glib::RefPtr<Pango::Layout>& layoutFor(EasyDrawingArea* area);
 

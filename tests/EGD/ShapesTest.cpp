@@ -406,6 +406,29 @@ TEST(Text, IsADiscOfRadius10InEveryDirection) {
 
 // -- all of them
 
+/// Builds the path of `shape` and says what box it takes: its corners at the top left and at the bottom right.
+template <class Shape>
+std::vector<double> boxAround(Shape& shape) {
+    TestArea area;
+    const Picture picture(10, 10);
+    EXPECT_TRUE(shape.vDraw(&area, picture.context()));
+    std::vector<double> box(4);
+    picture.context()->get_path_extents(box[0], box[1], box[2], box[3]);
+    return box;
+}
+
+TEST(Shapes, BuildTheirPathsAroundTheOriginWhereverTheyStand) {
+    EGD::Line line(-10, 5, 30, 20);
+    line.setPos(100, 100);
+    EXPECT_THAT(boxAround(line), testing::ElementsAre(-10, 5, 30, 20));
+    EGD::Arc circle(100, 100, 20, 360, 0);
+    EXPECT_THAT(boxAround(circle), testing::Pointwise(testing::DoubleNear(0.1), {-20.0, -20.0, 20.0, 20.0}));
+    EGD::Rectangle rectangle(100, 100, 40, 30, true);
+    EXPECT_THAT(boxAround(rectangle), testing::ElementsAre(0, 0, 40, 30));
+    EGD::Text text("abc", 100, 100, 15, "Monospace");
+    EXPECT_THAT(boxAround(text), testing::Each(0)) << "a text leaves no path";
+}
+
 TEST(Shapes, AreDestroyedThroughTheirBases) {
     static_assert(std::is_base_of_v<EGD::Drawing, EGD::Line> && !std::is_base_of_v<EGD::Arrowable, EGD::Line>);
     static_assert(std::is_base_of_v<EGD::Drawing, EGD::Rectangle> &&
