@@ -17,6 +17,15 @@
 
 #include "Helpers.h"
 
+std::vector<EGD::Drawing*> EGD::EasyDrawingArea::*stackOfAnArea();
+
+/// Nobody but the area sees its stack; an explicit instantiation may name a private member.
+template <std::vector<EGD::Drawing*> EGD::EasyDrawingArea::*stack>
+struct OpenStack {
+    friend std::vector<EGD::Drawing*> EGD::EasyDrawingArea::*stackOfAnArea() { return stack; }
+};
+template struct OpenStack<&EGD::EasyDrawingArea::vpDrawing_>;
+
 namespace {
 
 using EGD::Drawing;
@@ -239,6 +248,27 @@ TEST(AreaStack, RemovesEveryEntryOfADrawingAmongOthers) {
     for (Square* square : {&a, &a, &b, &a, &b, &a, &a}) area.add(filled(square));
     area.remove(&a);
     EXPECT_THAT(area.underMouse(50, 50), ElementsAre(&b, &b));
+}
+
+TEST(AreaStack, HoldsItsDrawingsInPaintOrderAndNothingElse) {
+    TestArea area;
+    const Drawings& stack = area.*stackOfAnArea();
+    Square a(50, 50, 40);
+    Square b(50, 50, 40);
+    Square c(50, 50, 40);
+    for (Square* square : {&a, &b, &c, &a}) area.add(square);
+    EXPECT_THAT(stack, ElementsAre(&a, &b, &c, &a));
+    area.remove(&b);
+    EXPECT_THAT(stack, ElementsAre(&a, &c, &a));
+    area.remove(&a);
+    EXPECT_THAT(stack, ElementsAre(&c));
+
+    b.onPaint = [&] { area.remove(&c); };
+    area.add(&b);
+    Picture::of(area, 10, 10);
+    EXPECT_THAT(stack, ElementsAre(&b)) << "also after one has left during a paint";
+    area.removeAll();
+    EXPECT_THAT(stack, IsEmpty());
 }
 
 TEST(AreaStack, IgnoresTheRemovalOfADrawingItDoesNotHold) {
