@@ -1,6 +1,10 @@
 #include "Helpers.h"
 
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -146,7 +150,7 @@ namespace {
 void writeScript(const fs::path& path, const std::string& script) {
     fs::create_directories(path.parent_path());
     writeFile(path, "#!/bin/sh\n" + script);
-    fs::permissions(path, fs::perms::owner_all);
+    fs::permissions(path, fs::perms(0755));
 }
 
 }  // namespace
@@ -168,6 +172,24 @@ void WorkingDirectory::setMona(const std::string& script) const { writeScript(pa
 void WorkingDirectory::useBuiltInTina() const {
     fs::create_directories(path() / "tina/bin");
     fs::create_symlink(KLV_TINA, path() / "tina/bin/tina");
+}
+
+namespace {
+
+std::set<std::string> openDescriptors() {
+    std::set<std::string> descriptors;
+    for (const auto& entry : fs::directory_iterator("/proc/self/fd")) descriptors.insert(entry.path().filename());
+    return descriptors;
+}
+
+}  // namespace
+
+NothingLeftBehind::NothingLeftBehind() : _descriptors(openDescriptors()) {}
+
+NothingLeftBehind::~NothingLeftBehind() {
+    EXPECT_EQ(openDescriptors(), _descriptors);
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD);
 }
 
 std::string tinaThatPrints(const std::string& report) {

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "Modele/KLV.h"
@@ -55,6 +56,19 @@ private:
     Folder _folder;
     std::filesystem::path _before;
     std::string _searchPath;
+};
+
+/// Expects that no descriptor is open at its end that was not at its begin, and that no child was left to be waited
+/// for.
+class NothingLeftBehind {
+public:
+    NothingLeftBehind();
+    ~NothingLeftBehind();
+    NothingLeftBehind(const NothingLeftBehind&) = delete;
+    NothingLeftBehind& operator=(const NothingLeftBehind&) = delete;
+
+private:
+    std::set<std::string> _descriptors;
 };
 
 /// An analyser that answers "bounded" and these lines, whatever the net.

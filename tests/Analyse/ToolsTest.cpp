@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -19,6 +18,7 @@
 #include "Analyse.h"
 #include "Helpers.h"
 #include "Modele/Noeud.h"
+#include "common/OrdinaryUser.h"
 #include "common/Traces.h"
 
 namespace {
@@ -112,22 +112,11 @@ TEST(Shell, LeavesStandardInputToALongCommand) {
     EXPECT_EQ(output, "from outside\n");
 }
 
-std::set<std::string> openDescriptors() {
-    std::set<std::string> descriptors;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
-        descriptors.insert(entry.path().filename());
-    }
-    return descriptors;
-}
-
 TEST(Shell, LeavesNoDescriptorAndNoChildBehind) {
-    const std::set<std::string> before = openDescriptors();
+    const NothingLeftBehind check;
     execShell("echo short");
     execShell("echo long; : " + std::string(200'000, 'x'));
     execShell("kill -9 $$");
-    EXPECT_EQ(openDescriptors(), before);
-    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
-    EXPECT_EQ(errno, ECHILD);
 }
 
 TEST(Shell, HandsItsCommandsNoDescriptorOfItsOwn) {
@@ -190,6 +179,7 @@ protected:
         return toPrefRdP(model.get());
     }
 
+    const NothingLeftBehind check;
     WorkingDirectory directory;
     std::unique_ptr<Modele::KLV> model = readModel("A : 2a; A -> B : a -> b; B -> A;");
 };
@@ -462,6 +452,23 @@ TEST_F(FailingAnalyser, PrintsMegabytesBeforeItReadsALongNet) {
     growTheModel();
     directory.setTina("yes '0 : q1 ma*3 mb' | head -n 400000\ncat > /dev/null\n");
     EXPECT_EQ(getBound(model.get()), (Bounds{{"a", 3}, {"b", 1}}));
+}
+
+TEST_F(FailingAnalyser, HangsForAWhile) {
+    directory.setTina("cat > /dev/null\nsleep 1\necho '0 : ma*3'\n");
+    EXPECT_EQ(getBound(model.get()), (Bounds{{"a", 3}}));
+}
+
+TEST_F(FailingAnalyser, PrintsAHundredMegabytes) {
+    directory.setTina("cat > /dev/null\nyes 'a line that says nothing' | head -c 100000000\necho '0 : ma*3'\n");
+    EXPECT_EQ(getBound(model.get()), (Bounds{{"a", 3}}));
+}
+
+TEST_F(FailingAnalyser, IsAskedInAReadOnlyDirectory) {
+    directory.setTina("cat > /dev/null\necho '0 : ma*3'\n");
+    std::filesystem::permissions(directory.path(), std::filesystem::perms(0555));
+    EXPECT_EQ(asOrdinaryUser([&] { return getBound(model.get()).at("a"); }), 3);
+    std::filesystem::permissions(directory.path(), std::filesystem::perms::owner_all);
 }
 
 TEST_F(FailingAnalyser, PrintsBinary) {

@@ -2,7 +2,6 @@
 // left.
 #include "Sauvegarde.h"
 
-#include <grp.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -18,6 +17,8 @@
 #include <sstream>
 #include <system_error>
 #include <thread>
+
+#include "common/OrdinaryUser.h"
 
 namespace fs = std::filesystem;
 
@@ -121,20 +122,6 @@ protected:
     fs::path folder;
     fs::path file;
 };
-
-/// Runs `work` as a user who is not root, in a process of its own.
-/// @return its exit status
-template <class Work>
-int asOrdinaryUser(Work work) {
-    const pid_t child = fork();
-    if (child == 0) {
-        if (geteuid() == 0 && (setgroups(0, nullptr) != 0 || setgid(65534) != 0 || setuid(65534) != 0)) _exit(99);
-        _exit(work());
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 98;
-}
 
 int statusOfSaving(const fs::path& path, const std::string& text) {
     try {
