@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what the tests need, builds, and runs every test under a virtual display. Arguments go to ctest.
-# PRESET chooses the build: release (the default), debug or asan.
+# PRESET chooses the build: release (the default), debug, asan or coverage.
 set -euo pipefail
 cd "$(dirname "$0")"
 . tools/packages.sh
