@@ -193,6 +193,13 @@ TEST_F(ArcMode, ASecondArcBetweenTheSameNodesIsAnArcOfItsOwn) {
     EXPECT_THAT(content().arcs, UnorderedElementsAre(plainArc("A", "B"), plainArc("A", "B"), plainArc("B", "A")));
 }
 
+TEST_F(ArcMode, ReleasingAtOnceLeavesANewNodeAlsoAfterAnArcThatSnapped) {
+    mouse->drag({100, 100}, {300, 100});
+    mouse->clickAt(300, 100);
+    EXPECT_EQ(content().nodes.at("q1"), plainNode(300, 100));
+    EXPECT_THAT(content().arcs, UnorderedElementsAre(plainArc("A", "B"), plainArc("B", "q1")));
+}
+
 TEST_F(ArcMode, TheNameOfADroppedTemporaryNodeIsFreeAgain) {
     mouse->drag({100, 100}, {300, 100});
     mouse->drag({100, 100}, {100, 300});

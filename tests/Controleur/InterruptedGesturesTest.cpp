@@ -215,6 +215,34 @@ TEST_F(InterruptedGesture, TheTemporaryNodeMayGo) {
     EXPECT_THAT(content().arcs, IsEmpty());
 }
 
+TEST_F(InterruptedGesture, TheTemporaryNodeMayGoWhileItIsHidden) {
+    startArc();
+    mouse->moveTo(300, 100);
+    controleur->removeNoeud(model->get("q1"));
+    finish();
+    EXPECT_EQ(content().nodes.size(), 2U);
+    EXPECT_THAT(content().arcs, ElementsAre(plainArc("A", "B")));
+}
+
+TEST_F(InterruptedGesture, ANodeThatWasDraggedBeforeMayGoWhileAnotherIsDragged) {
+    mouse->clickAt(100, 100);
+    mouse->pressAt(300, 100);
+    controleur->removeNoeud(A->getModele());
+    mouse->moveTo(330, 140);
+    EXPECT_EQ(content().nodes.at("B"), plainNode(330, 140));
+}
+
+TEST_F(InterruptedGesture, AnArcThatWasDrawnBeforeMayGoWhileAnotherIsDrawn) {
+    startArc();
+    mouse->release();
+    mouse->pressAt(300, 100);
+    controleur->removeNoeud(model->get("q1"));
+    mouse->moveTo(300, 300);
+    mouse->release();
+    EXPECT_EQ(content().nodes.at("q2"), plainNode(300, 300));
+    EXPECT_THAT(content().arcs, ElementsAre(plainArc("B", "q2")));
+}
+
 TEST_F(InterruptedGesture, TheControllerMayGoWhileANodeIsDragged) {
     mouse->pressAt(100, 100);
     controleur.reset();
