@@ -123,12 +123,20 @@ TEST_F(Analyses, AFormulaOverAnUnboundedModelIsAnError) {
     EXPECT_EQ(answerToFormula("true", close()), failure("KLV not bounded"));
 }
 
-TEST_F(Analyses, TheConfirmedFormulaReachesTheToolAndTheEmptyOneTo) {
+TEST_F(Analyses, TheConfirmedFormulaReachesTheTool) {
     here.setTina(tinaThatPrints("0 : q1 ma mb\n"));
     here.setMona("cat .KLV.mona > seen\necho 'Formula is unsatisfiable'\n");
     answerToFormula("ex1 x: x = 3 & x notin {}", accept());
-    EXPECT_THAT(readFile("seen"), HasSubstr("ex1 x: x = 3 & x notin {}"));
-    EXPECT_EQ(answerToFormula("", accept()), information("Formula is unsatisfiable"));
+    EXPECT_THAT(readFile("seen"), HasSubstr("ex1 x: x = 3 & x notin {};\n"));
+}
+
+TEST_F(Analyses, AConfirmedEmptyFormulaAsksAboutTheModelAlone) {
+    here.setTina(tinaThatPrints("0 : q1 ma mb\n"));
+    here.setMona("cat .KLV.mona > seen\necho 'A satisfying example of least length is: ...'\n");
+    EXPECT_EQ(answerToFormula("", accept()), information("Formula is satisfiable"));
+    const std::string model = readFile("seen");
+    answerToFormula("true", accept());
+    EXPECT_EQ(readFile("seen"), model.substr(0, model.size() - 1) + "true;\n");
 }
 
 TEST_F(Analyses, ACancelledFormulaRunsNothingAndShowsNothing) {
