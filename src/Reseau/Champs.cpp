@@ -42,6 +42,15 @@ Creux Champs::creux(const Mot* m) const {
     return v;
 }
 
+std::vector<Compte> Elargissement::plafonds(std::vector<Compte> besoins, std::uint64_t gardes) {
+    constexpr std::uint64_t SOUVENT = 64;  // even a small set is not converted for each of thousands of places
+    if ((gardes > PEU && gardes < 2 * derniers_) || ++fois_ % SOUVENT == 0)
+        for (Compte& c : besoins)
+            if (c > 1) c = std::min(c, OMEGA / 2) * 2 - 1;
+    derniers_ = gardes;
+    return besoins;
+}
+
 bool Champs::precede(const Mot* a, const Mot* b) const {
     for (std::uint32_t p = 0; p < places(); ++p)
         if (lire(a, p) != lire(b, p)) return lire(a, p) > lire(b, p);

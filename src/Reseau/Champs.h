@@ -136,6 +136,18 @@ private:
     bool omegas_;
 };
 
+/// When a field has become too narrow: what the next layout is to hold. Converting takes time in proportion to what is
+/// kept, so when that has not doubled since the last time, and is large, every count gets room to double.
+class Elargissement {
+public:
+    std::vector<Compte> plafonds(std::vector<Compte> besoins, std::uint64_t gardes);
+
+private:
+    static constexpr std::uint64_t PEU = 500'000;
+    std::uint64_t derniers_ = 0;  // kept the last time
+    std::uint64_t fois_ = 0;
+};
+
 /// Takes a marking from one layout to another that holds its counts.
 void convertir(const Champs& de, const Mot* m, const Champs& vers, Mot* resultat);
 

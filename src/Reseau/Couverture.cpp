@@ -114,6 +114,7 @@ void Couverture::oterSommet() {
     const auto dernier = std::prev(frontiere_.end());
     dernier->second = arbre_.suivant(dernier->second);
     if (dernier->second == AUCUN) frontiere_.erase(dernier);
+    --enAttente_;
 }
 
 /// Expands the topmost node of the frontier, whose marking is in `parent_`.
@@ -202,6 +203,7 @@ void Couverture::garder(std::uint32_t parent, std::uint32_t tir, std::vector<std
     const std::uint32_t noeud = arbre_.ajouter(courant_.mots(), parent, tir, std::move(pompes));
     const auto liste = frontiere_.try_emplace(rang, AUCUN).first;
     arbre_.suivant(noeud) = std::exchange(liste->second, noeud);
+    ++enAttente_;
 }
 
 Couverture::Rang Couverture::rangDuCourant() const {
@@ -217,11 +219,10 @@ Couverture::Rang Couverture::rangDuCourant() const {
     return rang;
 }
 
-/// Makes room for a count, and for what comes next to it: the more often, the more.
+/// Makes room for a count.
 void Couverture::elargir(const Manque& manque) {
     plafonds_[manque.place] = manque.compte;
-    if (++elargissements_ % MODERATION == 0)
-        for (Compte& c : plafonds_) c = c > OMEGA / 4 ? c : 2 * c + 1;
+    plafonds_ = elargissement_.plafonds(std::move(plafonds_), antichaine_.taille());
     auto champs = std::make_unique<const Champs>(plafonds_, true);
     antichaine_.convertir(*champs);
     arbre_.convertir(*champs);

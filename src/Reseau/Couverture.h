@@ -88,13 +88,14 @@ public:
     std::uint64_t explores() const { return explores_; }
     /// Maximal markings found so far, whether or not they are expanded.
     std::uint64_t maximaux() const { return enumeration_ ? enumeration_->taille() : antichaine_.taille(); }
+    /// Maximal or retired markings that wait to be expanded.
+    std::uint64_t enAttente() const { return enumeration_ ? enumeration_->enAttente() : enAttente_; }
     /// Bytes of one packed marking.
     std::size_t octets() const { return enumeration_ ? enumeration_->octets() : champs_->octets(); }
 
 private:
     static constexpr std::uint32_t AUCUN = Arbre::AUCUN;
     static constexpr std::uint32_t PROCHES = 256;  // ancestors that are compared in any case
-    static constexpr unsigned MODERATION = 64;     // layouts, until every field gets more room than it needs
 
     /// What is expanded first: the greatest.
     struct Rang {
@@ -125,6 +126,7 @@ private:
     const Net& net_;
     unsigned fils_;
     std::vector<Compte> plafonds_;  // the largest finite counts that had to fit, by place
+    Elargissement elargissement_;
     std::unique_ptr<const Champs> champs_;
     Franchissement franchissement_;
     Antichaine antichaine_;
@@ -134,6 +136,7 @@ private:
     std::map<Rang, std::uint32_t>
         frontiere_;  // nodes that wait; those of one rank chained through the tree, latest first
     std::uint64_t gardes_ = 0;
+    std::uint64_t enAttente_ = 0;
     Marquage parent_;
     Marquage courant_;
     std::unique_ptr<Enumeration> enumeration_;  // once it has taken over
@@ -142,7 +145,6 @@ private:
     std::vector<Compte> buts_;
     std::vector<Pas> tige_;
     std::uint64_t explores_ = 0;
-    unsigned elargissements_ = 0;
     bool nonBornee_ = false;
     bool commencee_ = false;
     bool incomparables_ = false;

@@ -135,7 +135,7 @@ void Enumeration::accueillir(unsigned section, unsigned n) {
 /// Converts everything to fields that hold the maxima.
 void Enumeration::elargir() {
     const Champs anciens = champs_;
-    champs_ = Champs(maxima_, false);
+    champs_ = Champs(elargissement_.plafonds(maxima_, taille()), false);
     franchissement_.traduire(champs_);
     std::vector<Mot> de(anciens.mots());
     std::vector<Mot> vers(champs_.mots());

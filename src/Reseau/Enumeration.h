@@ -43,6 +43,7 @@ public:
     std::uint64_t taille() const;
     /// Bytes of a packed marking.
     std::size_t octets() const { return champs_.octets(); }
+    /// Markings that wait to be expanded.
     std::uint64_t enAttente() const { return attente_.taille(); }
 
     /// Calls f(marking's words) for each marking found.
@@ -81,6 +82,7 @@ private:
 
     const Net& net_;
     std::vector<Compte>& maxima_;
+    Elargissement elargissement_;
     Champs champs_;
     Franchissement franchissement_;
     std::array<Ensemble, SECTIONS> sections_;

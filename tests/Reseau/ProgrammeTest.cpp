@@ -8,8 +8,11 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
+#include <iterator>
 #include <sstream>
 #include <string>
+#include <system_error>
 #include <thread>
 
 #include "Outils.h"
@@ -133,9 +136,26 @@ TEST(Programme, AReaderThatLeavesEndsItQuietly) {
     EXPECT_THAT(r.sortie, IsEmpty());
 }
 
-/// Starts the analyser on a net without end, sends it `signal`, and returns its wait status and its two
-/// outputs.
-int interrompu(int signal, std::string& sortie, std::string& erreurs) {
+/// Waits until the process has several threads, as it has at work where there are several cores.
+void attendreLesFils(pid_t processus) {
+    const std::string fils = "/proc/" + std::to_string(processus) + "/task";
+    for (int i = 0; i < 4500 && std::thread::hardware_concurrency() > 1; ++i) {
+        std::error_code absent;
+        if (std::distance(std::filesystem::directory_iterator(fils, absent), {}) > 1) return;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_EQ(std::thread::hardware_concurrency(), 1U) << "no second thread has been started";
+}
+
+struct Interruption {
+    int etat;  // wait status
+    std::string sortie;
+    std::string erreurs;
+    std::chrono::steady_clock::duration delai;  // from the signal to the end
+};
+
+/// Starts the analyser on a net without end, and sends it `signal` after half a second, or when its threads run.
+Interruption interrompu(int signal, bool fils) {
     char nom[] = "/tmp/reseau-XXXXXX";
     const int entree = mkstemp(nom);
     unlink(nom);
@@ -156,9 +176,12 @@ int interrompu(int signal, std::string& sortie, std::string& erreurs) {
     close(entree);
     for (auto& tube : tubes) close(tube[1]);
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    if (fils) attendreLesFils(enfant);
+    const auto debut = std::chrono::steady_clock::now();
     kill(enfant, signal);
-    int etat = 0;
-    waitpid(enfant, &etat, 0);
+    Interruption resultat{};
+    waitpid(enfant, &resultat.etat, 0);
+    resultat.delai = std::chrono::steady_clock::now() - debut;
     const auto tout = [](int tube) {
         std::string texte;
         char lu[256];
@@ -166,21 +189,27 @@ int interrompu(int signal, std::string& sortie, std::string& erreurs) {
         close(tube);
         return texte;
     };
-    sortie = tout(tubes[0][0]);
-    erreurs = tout(tubes[1][0]);
-    return etat;
+    resultat.sortie = tout(tubes[0][0]);
+    resultat.erreurs = tout(tubes[1][0]);
+    return resultat;
+}
+
+void verifierInterruption(int signal, bool fils) {
+    const Interruption i = interrompu(signal, fils);
+    ASSERT_TRUE(WIFEXITED(i.etat));
+    EXPECT_EQ(WEXITSTATUS(i.etat), 128 + signal);
+    EXPECT_THAT(i.sortie, IsEmpty());
+    EXPECT_EQ(i.erreurs, "tina: interrupted\n");
+    EXPECT_LT(i.delai, std::chrono::seconds(2));
 }
 
 TEST(Programme, ASignalEndsItAtOnceWithAMessageAndItsStatus) {
-    for (const int signal : {SIGINT, SIGTERM}) {
-        std::string sortie;
-        std::string erreurs;
-        const int etat = interrompu(signal, sortie, erreurs);
-        ASSERT_TRUE(WIFEXITED(etat));
-        EXPECT_EQ(WEXITSTATUS(etat), 128 + signal);
-        EXPECT_THAT(sortie, IsEmpty());
-        EXPECT_EQ(erreurs, "tina: interrupted\n");
-    }
+    verifierInterruption(SIGINT, false);
+    verifierInterruption(SIGTERM, false);
+}
+
+TEST(Programme, ASignalEndsItAtOnceWhenSeveralThreadsRun) {
+    verifierInterruption(SIGTERM, true);
 }
 
 #ifndef __SANITIZE_ADDRESS__  // which needs more address space than any limit leaves
