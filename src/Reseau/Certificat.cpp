@@ -26,6 +26,7 @@ private:
     const std::string& place(std::uint32_t p) const { return net_.places[partie_.places[p]]; }
     const std::string& transition(std::uint32_t t) const { return net_.transitions[partie_.transitions[t]].nom; }
 
+    void liste(const std::vector<std::uint32_t>& places);
     void marquage(const Creux& v);
     void pas(const std::vector<Pas>& run);
     void course(const Course& run);
@@ -41,6 +42,10 @@ private:
     const Resolution& resolution_;
     std::set<std::uint32_t> ecrites_;  // accelerations
 };
+
+void Redacteur::liste(const std::vector<std::uint32_t>& places) {
+    for (const std::uint32_t p : places) out_ << ' ' << place(p);
+}
 
 void Redacteur::marquage(const Creux& v) {
     for (const Poids& p : v) {
@@ -129,9 +134,17 @@ void Redacteur::arbre(const Majoration& majoration) {
             case Cas::SEUIL:
                 out_ << "threshold " << transition(cas.transition) << ' ' << cas.seuil;
                 break;
+            case Cas::NIVEAU:
+                out_ << "level " << place(cas.places[0]) << ' ' << cas.seuil;
+                break;
             case Cas::ENTREE:
                 out_ << "entry";
-                for (const std::uint32_t p : cas.places) out_ << ' ' << place(p);
+                liste(cas.places);
+                break;
+            case Cas::DEPART:
+                out_ << "departure " << cas.places.size();
+                liste(cas.places);
+                liste(cas.bornees);
                 break;
             case Cas::BORNE:
                 out_ << "close " << decimal(cas.facteur) << ' ' << decimal(cas.total);
@@ -154,6 +167,11 @@ void Redacteur::rediger(bool verdictSeul) {
     out_ << "\nfires";
     for (const std::uint32_t t : partie_.transitions) out_ << ' ' << net_.transitions[t].nom;
     out_ << '\n';
+    if (resolution_.majorants && resolution_.majorants->jeton()) {
+        out_ << "token";
+        liste(resolution_.majorants->jeton()->places());
+        out_ << '\n';
+    }
     if (!resolution_.bornee()) nonBornee();
     if (verdictSeul && !resolution_.bornee()) return;
     const bool complete = resolution_.couverture.complete();

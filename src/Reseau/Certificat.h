@@ -3,33 +3,50 @@
 //
 // The lines of a certificate, words separated by blanks; `a*3` is three tokens in a, or a with the coefficient 3:
 //
-//     dead TRANSITION...            never fired: each needs a place that M0 and the other transitions never mark, or
-//     more
-//                                   of a constant place than it holds
-//     part PLACE...                 a set of places; transitions not dead that change one of them need none of other
-//     parts fires TRANSITION...           the transitions of the part, without duplicates; they are x0, x1, ... in the
-//     proofs omega N raises PLACE... needs PLACE*COUNT... by RUN
-//                                   repeating RUN from any marking that holds the needs raises the places beyond all
-//                                   bounds
-//     set PLACE*COUNT...            one marking of the part's coverability set; together they cover M0 and each of
-//     their
-//                                   successors
-//     unbounded stem RUN cycle RUN  the cycle can be fired after the stem, takes nothing and adds something
-//     bound PLACE COUNT by RUN      the run ends with that many tokens in the place, "w" for unbounded
-//     total                         what follows bounds the sum of the part's places
-//     most by set                   no marking of the set holds more
-//     most COUNT by cases           no solution of the state equation holds more; the tree of cases follows in prefix
-//     notation threshold TRANSITION K        case one, fired at most K times; case two, at least K + 1 times entry
-//     PLACE...                case one, the places, empty at the start, are never marked: what needs one of them is not
-//                                   fired; case two, what puts into them without needing one of them is fired
+//     dead TRANSITION...
+//         never fired: each needs a place that M0 and the other transitions never mark, or more of a constant place
+//         than it holds
+//     part PLACE...
+//         a set of places; transitions not dead that change one of them need none of other parts
+//     fires TRANSITION...
+//         the transitions of the part, without duplicates; they are x0, x1, ... in the proofs
+//     token PLACE...
+//         places of the part that hold one token together, at the start and after every transition
+//     omega N raises PLACE... needs PLACE*COUNT... by RUN
+//         repeating RUN from any marking that holds the needs raises the places beyond all bounds
+//     set PLACE*COUNT...
+//         one marking of the part's coverability set; together they cover M0 and each of their successors
+//     unbounded stem RUN cycle RUN
+//         the cycle can be fired after the stem, takes nothing and adds something
+//     bound PLACE COUNT by RUN
+//         the run ends with that many tokens in the place, "w" for unbounded
+//     total
+//         what follows bounds the sum of the part's places
+//     most by set
+//         no marking of the set holds more
+//     most COUNT by cases
+//         no solution of the state equation holds more; the tree of cases follows in prefix notation:
+//     threshold TRANSITION K
+//         case one, fired at most K times; case two, at least K + 1 times
+//     level PLACE K
+//         case one, the place holds at most K at the end; case two, at least K + 1
+//     entry PLACE...
+//         case one, the places, empty at the start, are never marked: what needs one of them is not fired; case two,
+//         what puts into them without needing one of them is fired
+//     departure N PLACE... BOUNDED...
+//         case one, the token never leaves the N places, empty at the start: what takes it from them and elsewhere is
+//         not fired, and when it enters them, after everything that takes it elsewhere, no BOUNDED place is below zero;
+//         case two, what takes it from them and elsewhere is fired
 //     close F TOTAL PLACE*Y... *I*Y...
-//                                   F times the bounded sum, plus Y times each place, plus Y times the I-th constraint
-//                                   in force
-//                                   ("*I"), is at most TOTAL at M0 and raised by no transition
+//         F times the bounded sum, plus Y times each place, plus Y times the I-th constraint in force ("*I"), is at
+//         most TOTAL at M0 and raised by no transition
 //
 // A RUN is a list of TRANSITION, (TRANSITION*TIMES...)*TIMES, and *N for the acceleration "omega N". Constraints in
-// force are numbered from 0 in the order in which the cases above introduced them: K - x, x - K - 1, -x for each
-// transition not fired in the order of "fires", and the sum of the entering transitions - 1; each is non-negative.
+// force are numbered from 0 in the order in which the cases above introduced them; each is non-negative. For threshold
+// and level K - x and x - K - 1; for entry and departure -x for each transition not fired, in the order of "fires", or
+// else the sum of those of which one is fired - 1. Of a BOUNDED place the constraint is what M0 and the transitions
+// that take the token elsewhere leave; less what those need that bring the token in; plus what those add, if they do,
+// that leave the token alone.
 #pragma once
 
 #include <ostream>

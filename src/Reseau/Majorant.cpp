@@ -1,8 +1,10 @@
-// Depth-first search over the cases. Variables of the program: the transitions, then one for each place (its marking),
+// Best-first search over the cases. Variables of the program: the transitions, then one for each place (its marking),
 // then one for each constraint of the cases in force.
 #include "Reseau/Majorant.h"
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include "Reseau/Tir.h"
 
@@ -10,207 +12,365 @@ namespace Reseau {
 
 namespace {
 
-constexpr std::uint64_t CASES_DENSES = 300'000;        // places times transitions
-constexpr std::uint64_t TRAVAIL = 4'000'000;           // entries of the dictionary rewritten for one question
-constexpr std::size_t NOEUDS = 32;                     // of one proof
-constexpr std::uint64_t CASES_EN_MEMOIRE = 5'000'000;  // of the dictionaries of all cases in force
-
-/// floor(a / b) for b > 0.
-Large plancher(Large a, Large b) { return a / b - (a % b < 0 ? 1 : 0); }
+constexpr std::uint64_t CASES_DENSES = 300'000;         // places times transitions
+constexpr std::uint64_t TRAVAIL = 4'000'000;            // entries of the dictionary rewritten for one question
+constexpr std::size_t NOEUDS = 64;                      // of one search
+constexpr std::uint64_t CASES_EN_MEMOIRE = 10'000'000;  // of the dictionaries of all open cases
+constexpr Large INFINI = static_cast<Large>(1) << 126;
 
 std::uint64_t cases(const Net& net) { return (net.places.size() + 1) * (net.transitions.size() + 1); }
 
-struct SansBorne {};
+Simplexe programme(const Net& net, std::uint64_t* travail) {
+    Simplexe s(static_cast<std::uint32_t>(net.transitions.size()), travail);
+    for (std::uint32_t p = 0; p < net.places.size(); ++p) {
+        const Contrainte c = etat(net, p);
+        s.contraindre(c.constante, c.forme);
+    }
+    return s;
+}
+
+/// Whether the solution contradicts the constraint; no when that cannot be worked out in 128 bits.
+bool negative(const Contrainte& c, const Simplexe& s) {
+    Large total = c.constante;
+    Large denominateur = 1;
+    for (const auto& [t, n] : c.forme) {
+        const Fraction x = s.valeur(t);
+        Large terme = 0;
+        if (__builtin_mul_overflow(total, x.denominateur, &total) || __builtin_mul_overflow(n, x.numerateur, &terme) ||
+            __builtin_mul_overflow(terme, denominateur, &terme) || __builtin_add_overflow(total, terme, &total) ||
+            __builtin_mul_overflow(denominateur, x.denominateur, &denominateur))
+            return false;
+    }
+    return total < 0;
+}
 
 }  // namespace
+
+/// A case: how it is closed as it stands, and the distinction that refines it, if there is one.
+struct Majorants::Noeud {
+    Large borne = INFINI;
+    Cas fermeture;
+    std::optional<Cas> distinction;
+    std::uint32_t premier = 0;            // the number of its first case; the second one's is the next
+    std::unique_ptr<Simplexe> programme;  // while it is open
+    std::vector<Simplexe::Variable> contraintes;
+    bool finie = false;  // whether it is known where the control token ends
+};
 
 struct Majorants::Question {
     const std::vector<std::uint32_t>& places;
     Simplexe::Forme forme;
     Large minorant;
     Tireur* tireur;
-    Large borne;  // the largest of the closed cases
-    std::vector<Cas> preuve;
-    std::vector<Simplexe::Variable> contraintes;  // of the cases in force
-    std::uint64_t profondeur;
-    std::size_t noeuds;  // that the proof may have
+    std::size_t limite;  // of nodes
+    std::vector<Noeud> noeuds;
+    std::priority_queue<std::pair<Large, std::uint32_t>> ouverts;  // by bound; the newest first among equals
+    Large plafond = -1;  // the largest bound of the cases that are not refined any more
 };
 
-namespace {
-
-Simplexe programme(const Net& net, std::uint64_t* travail) {
-    Simplexe s(static_cast<std::uint32_t>(net.transitions.size()), travail);
-    std::vector<Simplexe::Forme> formes(net.places.size());
+Majorants::Majorants(const Net& net) : net_(net), jeton_(Jeton::trouver(net)), initial_(programme(net, &travail_)) {
+    if (!jeton_) return;
     for (std::uint32_t t = 0; t < net.transitions.size(); ++t)
-        for (const Poids& e : net.transitions[t].effet) formes[e.place].emplace_back(t, e.compte);
-    for (std::size_t p = 0; p < formes.size(); ++p) s.contraindre(net.initial[p], formes[p]);
-    return s;
+        if (jeton_->de(t) == Jeton::NULLE_PART) return;
+    promenade_.emplace(net_, *jeton_);
 }
-
-}  // namespace
-
-Majorants::Majorants(const Net& net) : net_(net), initial_(programme(net, &travail_)) {}
 
 bool Majorants::possible(const Net& net) { return cases(net) <= CASES_DENSES; }
 
+std::uint64_t Majorants::travail(unsigned effort) { return TRAVAIL << (2 * effort); }
+
 std::optional<Majoration> Majorants::majorer(const std::vector<std::uint32_t>& places, Large minorant, Tireur* tireur,
                                              unsigned effort, std::uint64_t& depense) {
-    Question q{places, {}, minorant, tireur, -1, {}, {}, 0, NOEUDS << (2 * effort)};
+    if (places.size() == 1)
+        if (auto connue = parInvariant(places[0], minorant)) return connue;
+    Question q{places, {}, minorant, tireur, NOEUDS << (2 * effort), {}, {}};
     for (const std::uint32_t p : places)
         q.forme.emplace_back(static_cast<Simplexe::Variable>(net_.transitions.size()) + p, 1);
     travail_ = travail(effort);
-    std::optional<Majoration> resultat = chercher(q);
+    chercher(q);
     depense += travail(effort) - travail_;
+    const Large borne = std::max(q.plafond, q.ouverts.empty() ? Large{-1} : q.ouverts.top().first);
+    if (borne == INFINI) return std::nullopt;
+    Majoration resultat{borne, {}};
+    rediger(q, 0, borne, resultat.preuve);
     return resultat;
 }
 
-std::uint64_t Majorants::travail(unsigned effort) { return TRAVAIL << (2 * effort); }
+/// The bound that an invariant found for another place gives.
+std::optional<Majoration> Majorants::parInvariant(std::uint32_t place, Large minorant) const {
+    for (const auto& [autre, cas] : invariants_) {
+        const auto ici = std::ranges::find(cas.multiplicateurs, place, [](const auto& m) { return m.first; });
+        if (ici == cas.multiplicateurs.end() || (cas.total / ici->second) > minorant) continue;
+        Cas echange = cas;
+        echange.facteur = ici->second;
+        std::erase_if(echange.multiplicateurs, [place](const auto& m) { return m.first == place; });
+        echange.multiplicateurs.emplace_back(autre, cas.facteur);
+        std::ranges::sort(echange.multiplicateurs);
+        return Majoration{(cas.total / ici->second), {std::move(echange)}};
+    }
+    return std::nullopt;
+}
 
-/// Searches the cases. When that is given up, the linear bound without any case stands, if there is one.
-std::optional<Majoration> Majorants::chercher(Question& q) {
-    std::optional<Majoration> lineaire;
+void Majorants::retenir(const Question& q) {
+    const Noeud& racine = q.noeuds[0];
+    if (q.places.size() == 1 && racine.borne != INFINI && racine.fermeture.facteur > 0)
+        invariants_.emplace_back(q.places[0], racine.fermeture);
+}
+
+void Majorants::chercher(Question& q) {
+    q.noeuds.emplace_back();
     try {
-        Simplexe racine = initial_;
-        if (racine.maximiser(q.forme) == Simplexe::Issue::OPTIMUM) {
-            clore(racine, q, Simplexe::Issue::OPTIMUM);
-            lineaire = {q.borne, std::move(q.preuve)};
-            q.borne = -1;
-            q.preuve.clear();
+        Noeud& racine = q.noeuds[0];
+        auto programme = std::make_unique<Simplexe>(initial_);
+        const Simplexe::Issue issue = programme->maximiser(q.forme);
+        if (issue == Simplexe::Issue::OPTIMUM) {
+            racine.borne = programme->optimum().plancher();
+            racine.fermeture = clore(*programme, {}, issue);
         }
-        resoudre(racine, q);
-        return Majoration{q.borne, std::move(q.preuve)};
-    } catch (const SansBorne&) {
-        return std::nullopt;
+        racine.programme = std::move(programme);
+        retenir(q);
+        q.ouverts.emplace(racine.borne, 0);
+        while (!q.ouverts.empty()) {
+            const auto [borne, numero] = q.ouverts.top();
+            if (borne <= q.minorant || borne < q.plafond || q.noeuds.size() >= q.limite ||
+                (q.ouverts.size() + 1) * cases(net_) > CASES_EN_MEMOIRE || travail_ == 0)
+                return;
+            q.ouverts.pop();
+            if (!traiter(q, numero)) q.plafond = std::max(q.plafond, borne);
+            q.noeuds[numero].programme.reset();
+        }
     } catch (const Abandon&) {
-        return lineaire;
+        q.plafond = std::max(q.plafond, q.noeuds[0].borne);
     }
 }
 
-void Majorants::resoudre(Simplexe& s, Question& q) {
-    const Simplexe::Issue issue = s.maximiser(q.forme);
-    if (issue == Simplexe::Issue::IMPOSSIBLE) return clore(s, q, issue);
-
-    const Large d = s.denominateur();
-    const bool infinie = issue == Simplexe::Issue::INFINI;
-    const auto transitions = static_cast<std::uint32_t>(net_.transitions.size());
-    if (!infinie && plancher(s.optimum(), d) <= q.minorant) return clore(s, q, issue);
-    if (q.preuve.size() >= q.noeuds || (q.profondeur + 1) * cases(net_) > CASES_EN_MEMOIRE) {
-        if (infinie) throw SansBorne();
-        return clore(s, q, issue);
+/// Refines an open case.
+/// @return false when its solution contradicts nothing that is known here, so that it stays as it is
+bool Majorants::traiter(Question& q, std::uint32_t numero) {
+    const Simplexe& s = *q.noeuds[numero].programme;
+    const bool infinie = q.noeuds[numero].borne == INFINI;
+    std::optional<Cas> cas = contradiction(s, infinie);
+    if (!cas && !infinie) {
+        const std::optional<Simplexe> moindre = moindresTirs(s, q);
+        if (moindre) cas = contradiction(*moindre, false);
+        if (!cas) {
+            if (!moindre || !realiser(*moindre, q)) realiser(s, q);
+            if (q.noeuds[numero].borne <= q.minorant) return false;
+            cas = fraction(s);
+            if (!cas && moindre) cas = fraction(*moindre);
+            if (!cas && !q.noeuds[numero].finie) cas = finDuJeton(moindre ? *moindre : s);
+        }
     }
+    if (!cas) return false;
+    q.noeuds[numero].premier = static_cast<std::uint32_t>(q.noeuds.size());
+    const Jeton* jeton = jeton_ ? &*jeton_ : nullptr;
+    ouvrir(q, numero, premierCas(net_, jeton, *cas));
+    ouvrir(q, numero, {secondCas(net_, jeton, *cas)});
+    // In the second case the token ends where the solution says.
+    if (cas->genre == Cas::NIVEAU) q.noeuds.back().finie = true;
+    q.noeuds[numero].distinction = std::move(cas);
+    return true;
+}
 
-    std::vector<bool> tirees(transitions);
-    for (std::uint32_t t = 0; t < transitions; ++t) tirees[t] = s.valeur(t) > 0 || (infinie && s.grandit(t));
+/// Adds a case of `parent`. One that cannot be worked out keeps its parent's bound.
+void Majorants::ouvrir(Question& q, std::uint32_t parent, std::vector<Contrainte> contraintes) {
+    const auto numero = static_cast<std::uint32_t>(q.noeuds.size());
+    Noeud noeud;
+    noeud.borne = q.noeuds[parent].borne;
+    noeud.fermeture = q.noeuds[parent].fermeture;
+    noeud.contraintes = q.noeuds[parent].contraintes;
+    noeud.finie = q.noeuds[parent].finie;
+    try {
+        auto programme = std::make_unique<Simplexe>(*q.noeuds[parent].programme);
+        for (const Contrainte& c : contraintes)
+            noeud.contraintes.push_back(programme->contraindre(c.constante, c.forme));
+        const Simplexe::Issue issue = noeud.borne == INFINI ? programme->maximiser(q.forme) : programme->reoptimiser();
+        if (issue == Simplexe::Issue::OPTIMUM)
+            noeud.borne = programme->optimum().plancher();
+        else if (issue == Simplexe::Issue::IMPOSSIBLE)
+            noeud.borne = -1;
+        if (issue != Simplexe::Issue::INFINI) noeud.fermeture = clore(*programme, noeud.contraintes, issue);
+        if (issue != Simplexe::Issue::IMPOSSIBLE) {
+            noeud.programme = std::move(programme);
+            q.ouverts.emplace(noeud.borne, numero);
+        }
+    } catch (const Abandon&) {
+        q.plafond = std::max(q.plafond, noeud.borne);
+    }
+    q.noeuds.push_back(std::move(noeud));
+}
+
+/// What the solution fires that no run does: out of a place that is never marked, or too early.
+std::optional<Cas> Majorants::contradiction(const Simplexe& s, bool infinie) const {
+    std::vector<bool> tirees(net_.transitions.size());
+    for (std::uint32_t t = 0; t < tirees.size(); ++t)
+        tirees[t] = s.valeur(t).numerateur > 0 || (infinie && s.grandit(t));
     Cas entree;
-    entree.places = jamaisMarquees(tirees);
-    const std::vector<bool> dansQ = [&] {
-        std::vector<bool> v(net_.places.size(), false);
-        for (const std::uint32_t p : entree.places) v[p] = true;
-        return v;
-    }();
-    for (std::uint32_t t = 0; t < transitions; ++t)
-        if (tirees[t] && touche(net_.transitions[t].pre, dansQ)) {
-            entree.genre = Cas::ENTREE;
-            return distinguer(s, q, std::move(entree));
-        }
-    if (infinie) throw SansBorne();
-
-    if (q.tireur != nullptr && q.places.size() == 1) {
-        std::vector<Compte> comptes(transitions);
-        for (std::uint32_t t = 0; t < transitions; ++t)
-            comptes[t] = static_cast<Compte>(std::min<Large>(s.valeur(t) / d, OMEGA - 1));
-        q.tireur->realiser(comptes, q.places[0],
-                           static_cast<Compte>(std::min<Large>(plancher(s.optimum(), d), OMEGA - 1)));
-        q.minorant = std::max<Large>(q.minorant, q.tireur->minorants()[q.places[0]]);
-        if (plancher(s.optimum(), d) <= q.minorant) return clore(s, q, issue);
-    }
-    for (std::uint32_t t = 0; t < transitions; ++t)
-        if (s.valeur(t) % d != 0) {
-            Cas seuil;
-            seuil.genre = Cas::SEUIL;
-            seuil.transition = t;
-            const Large k = s.valeur(t) / d;
-            if (k >= OMEGA) throw Abandon();
-            seuil.seuil = static_cast<Compte>(k);
-            return distinguer(s, q, std::move(seuil));
-        }
-    clore(s, q, issue);
+    entree.genre = Cas::ENTREE;
+    entree.places = jamaisEntre(tirees);
+    if (!entree.places.empty()) return entree;
+    if (infinie || !jeton_) return std::nullopt;
+    return jamaisQuitte(s, tirees);
 }
 
-/// The places that stay empty when only `tirees` are fired, each as often as one likes.
-std::vector<std::uint32_t> Majorants::jamaisMarquees(const std::vector<bool>& tirees) const {
-    std::vector<bool> vides(net_.places.size());
-    for (std::size_t p = 0; p < vides.size(); ++p) vides[p] = net_.initial[p] == 0;
-    for (bool change = true; change;) {
-        change = false;
-        for (std::size_t t = 0; t < tirees.size(); ++t) {
-            if (!tirees[t] || touche(net_.transitions[t].pre, vides)) continue;
-            for (const Poids& p : net_.transitions[t].post) {
-                change = change || vides[p.place];
-                vides[p.place] = false;
+/// A set of places, as small as may be, that are empty at the start, that `tirees` need and do not enter.
+std::vector<std::uint32_t> Majorants::jamaisEntre(const std::vector<bool>& tirees) const {
+    std::vector<std::uint32_t> actives;
+    for (std::uint32_t t = 0; t < tirees.size(); ++t)
+        if (tirees[t]) actives.push_back(t);
+    // What is put into the set by a transition that needs nothing of it leaves it.
+    const auto reduire = [&](std::vector<bool>& q) {
+        for (bool change = true; change;) {
+            change = false;
+            for (const std::uint32_t t : actives) {
+                if (touche(net_.transitions[t].pre, q)) continue;
+                for (const Poids& p : net_.transitions[t].post) {
+                    change = change || q[p.place];
+                    q[p.place] = false;
+                }
             }
         }
+        return std::ranges::any_of(actives, [&](std::uint32_t t) { return touche(net_.transitions[t].pre, q); });
+    };
+    std::vector<bool> q(net_.places.size());
+    for (std::size_t p = 0; p < q.size(); ++p) q[p] = net_.initial[p] == 0;
+    if (!reduire(q)) return {};
+    for (std::size_t p = 0; p < q.size(); ++p) {
+        if (!q[p]) continue;
+        std::vector<bool> moins = q;
+        moins[p] = false;
+        if (reduire(moins)) q = std::move(moins);
     }
     std::vector<std::uint32_t> places;
-    for (std::uint32_t p = 0; p < vides.size(); ++p)
-        if (vides[p]) places.push_back(p);
+    for (std::uint32_t p = 0; p < q.size(); ++p)
+        if (q[p]) places.push_back(p);
     return places;
 }
 
-bool Majorants::touche(const Creux& cote, const std::vector<bool>& places) const {
-    return std::ranges::any_of(cote, [&places](const Poids& p) { return places[p.place]; });
+/// A set of the token's places that the solution does not leave, and places that are below zero when it enters it.
+std::optional<Cas> Majorants::jamaisQuitte(const Simplexe& s, const std::vector<bool>& tirees) const {
+    for (const std::vector<bool>& u : jeton_->derniers(tirees)) {
+        Cas cas;
+        cas.genre = Cas::DEPART;
+        for (std::uint32_t p = 0; p < net_.places.size(); ++p) {
+            const Contrainte c = entree(net_, *jeton_, u, p);
+            if (negative(c, s)) cas.bornees.push_back(p);
+        }
+        if (cas.bornees.empty()) continue;
+        for (std::uint32_t p = 0; p < u.size(); ++p)
+            if (u[p]) cas.places.push_back(p);
+        return cas;
+    }
+    return std::nullopt;
 }
 
-void Majorants::distinguer(const Simplexe& s, Question& q, Cas cas) {
-    const std::size_t enVigueur = q.contraintes.size();
-    q.preuve.push_back(cas);
-    ++q.profondeur;
-    Simplexe premier = s;
-    Simplexe second = s;
-    if (cas.genre == Cas::SEUIL) {
-        q.contraintes.push_back(premier.contraindre(cas.seuil, {{cas.transition, -1}}));
-        resoudre(premier, q);
-        q.contraintes.resize(enVigueur);
-        q.contraintes.push_back(second.contraindre(-static_cast<Large>(cas.seuil) - 1, {{cas.transition, 1}}));
-    } else {
-        std::vector<bool> dansQ(net_.places.size(), false);
-        for (const std::uint32_t p : cas.places) dansQ[p] = true;
-        Simplexe::Forme entrees;
-        for (std::uint32_t t = 0; t < net_.transitions.size(); ++t) {
-            if (touche(net_.transitions[t].pre, dansQ))
-                q.contraintes.push_back(premier.contraindre(0, {{t, -1}}));
-            else if (touche(net_.transitions[t].post, dansQ))
-                entrees.emplace_back(t, 1);
-        }
-        resoudre(premier, q);
-        q.contraintes.resize(enVigueur);
-        q.contraintes.push_back(second.contraindre(-1, entrees));
+/// A count of the solution that is not an integer: of the control token first, which decides most, then of a
+/// transition.
+std::optional<Cas> Majorants::fraction(const Simplexe& s) const {
+    const auto transitions = static_cast<std::uint32_t>(net_.transitions.size());
+    Cas cas;
+    if (jeton_)
+        for (const std::uint32_t p : jeton_->places())
+            if (!s.valeur(transitions + p).entiere()) {
+                cas.genre = Cas::NIVEAU;
+                cas.places = {p};
+                return cas;
+            }
+    std::optional<Large> moindre;
+    for (std::uint32_t t = 0; t < transitions; ++t) {
+        if (s.valeur(t).entiere()) continue;
+        const Large k = s.valeur(t).plancher();
+        if (k >= OMEGA || (moindre && *moindre <= k)) continue;
+        moindre = k;
+        cas.genre = Cas::SEUIL;
+        cas.transition = t;
+        cas.seuil = static_cast<Compte>(k);
     }
-    resoudre(second, q);
-    q.contraintes.resize(enVigueur);
-    --q.profondeur;
+    return moindre ? std::optional(cas) : std::nullopt;
+}
+
+/// Where the control token ends: there, or elsewhere.
+std::optional<Cas> Majorants::finDuJeton(const Simplexe& s) const {
+    if (!jeton_) return std::nullopt;
+    for (const std::uint32_t p : jeton_->places()) {
+        if (s.valeur(static_cast<Simplexe::Variable>(net_.transitions.size()) + p).numerateur <= 0) continue;
+        Cas cas;
+        cas.genre = Cas::NIVEAU;
+        cas.places = {p};
+        return cas;
+    }
+    return std::nullopt;
+}
+
+/// A solution that is as good, to the integer, and fires the least; it fires nothing in circles.
+std::optional<Simplexe> Majorants::moindresTirs(const Simplexe& s, const Question& q) const {
+    if (q.tireur == nullptr) return std::nullopt;
+    try {
+        Simplexe moindre = s;
+        Simplexe::Forme tirs;
+        for (std::uint32_t t = 0; t < net_.transitions.size(); ++t) tirs.emplace_back(t, -1);
+        moindre.contraindre(-s.optimum().plancher(), q.forme);
+        moindre.maximiser(tirs);
+        return moindre;
+    } catch (const Abandon&) {
+        return std::nullopt;
+    }
+}
+
+/// Looks for runs with the counts of a solution.
+/// @return false when they are no integers and nothing was looked for
+bool Majorants::realiser(const Simplexe& s, Question& q) {
+    if (q.tireur == nullptr || q.places.size() != 1) return true;
+    std::vector<Compte> comptes(net_.transitions.size());
+    bool entiers = true;
+    for (std::uint32_t t = 0; t < comptes.size(); ++t) {
+        entiers = entiers && s.valeur(t).entiere();
+        comptes[t] = static_cast<Compte>(std::min<Large>(s.valeur(t).plancher(), OMEGA - 1));
+    }
+    const auto but = static_cast<Compte>(
+        std::min<Large>(s.valeur(static_cast<Simplexe::Variable>(comptes.size()) + q.places[0]).plancher(), OMEGA - 1));
+    if (!promenade_) {
+        q.tireur->realiser(comptes, q.places[0], but);
+    } else {
+        if (!entiers) return false;
+        if (auto course = promenade_->chercher(comptes, q.places[0], but, travail_))
+            q.tireur->adopter(std::move(*course));
+    }
+    q.minorant = std::max<Large>(q.minorant, q.tireur->minorants()[q.places[0]]);
+    return true;
 }
 
 /// Writes down why the case is closed: the multipliers of the places and of the constraints in force. Those of the
 /// transitions follow from them.
-void Majorants::clore(const Simplexe& s, Question& q, Simplexe::Issue issue) {
+Cas Majorants::clore(const Simplexe& s, const std::vector<Simplexe::Variable>& contraintes,
+                     Simplexe::Issue issue) const {
     Cas cas;
     const auto transitions = static_cast<std::uint32_t>(net_.transitions.size());
     const auto places = static_cast<std::uint32_t>(net_.places.size());
-    const bool possible = issue == Simplexe::Issue::OPTIMUM;
-    cas.facteur = possible ? s.denominateur() : 0;
-    cas.total = s.optimum();
+    cas.facteur = issue == Simplexe::Issue::OPTIMUM ? s.optimum().denominateur : 0;
+    cas.total = s.optimum().numerateur;
     for (const auto& [v, y] : s.multiplicateurs()) {
         if (v < transitions) continue;
         const auto contrainte =
             v < transitions + places
                 ? v - transitions
-                : places + static_cast<std::uint32_t>(std::ranges::find(q.contraintes, v) - q.contraintes.begin());
+                : places + static_cast<std::uint32_t>(std::ranges::find(contraintes, v) - contraintes.begin());
         cas.multiplicateurs.emplace_back(contrainte, y);
     }
     std::ranges::sort(cas.multiplicateurs);
-    if (possible) q.borne = std::max(q.borne, plancher(s.optimum(), s.denominateur()));
-    q.preuve.push_back(std::move(cas));
+    return cas;
+}
+
+/// Writes down the proof that a case holds no more than `borne`: its own, or else that of its cases.
+void Majorants::rediger(const Question& q, std::uint32_t numero, Large borne, std::vector<Cas>& preuve) const {
+    const Noeud& noeud = q.noeuds[numero];
+    if (noeud.borne <= borne || !noeud.distinction) {
+        preuve.push_back(noeud.fermeture);
+        return;
+    }
+    preuve.push_back(*noeud.distinction);
+    rediger(q, noeud.premier, borne, preuve);
+    rediger(q, noeud.premier + 1, borne, preuve);
 }
 
 }  // namespace Reseau

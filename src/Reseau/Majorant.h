@@ -1,52 +1,30 @@
 // Upper bounds from the state equation, with proofs. A reachable marking is M0 + C x for the vector x of firing counts,
 // so the largest value of a place over all integers x >= 0 with M0 + C x >= 0 bounds it. The linear relaxation is
 // solved exactly, and where its solution is not the count vector of any run, cases are distinguished that every run
-// falls into:
-//
-//   threshold  transition t is fired at most k times, or at least k + 1 times (the solution has a fraction between
-//   them); entry      a set Q of places, empty at the start, is never entered, and then nothing that needs a place of Q
-//   is fired;
-//              or a transition that enters Q from outside is fired (the solution fires what needs Q and never enters
-//              it, as with the loops of a node which the control token does not visit).
-//
-// Each case that is closed leaves non-negative multipliers which show its bound: a place invariant, for short. The tree
-// of cases with its multipliers is the proof; checking it takes integer sums only.
+// falls into (see Cas.h). The case that promises most is always looked at first, so that the first one whose solution
+// is free of contradictions is the best that there is; the runs are looked for there.
 //
 // Sources: T. Murata, "Petri nets: properties, analysis and applications", Proc. IEEE 77 (1989), for the state
 // equation; A. H. Land, A. G. Doig, "An automatic method of solving discrete programming problems", Econometrica 28
-// (1960), for the thresholds; J. Esparza, S. Melzer, "Verification of safety properties using integer programming",
-// FMSD 16 (2000), for refining the state equation by what it does not see.
+// (1960), for thresholds and levels; J. Esparza, S. Melzer, "Verification of safety properties using integer
+// programming", FMSD 16 (2000), for refining the state equation by what it does not see.
 #pragma once
 
 #include <cstdint>
 #include <optional>
-#include <utility>
+#include <queue>
 #include <vector>
 
+#include "Reseau/Cas.h"
+#include "Reseau/Contrainte.h"
+#include "Reseau/Jeton.h"
 #include "Reseau/Net.h"
+#include "Reseau/Promenade.h"
 #include "Reseau/Simplexe.h"
 
 namespace Reseau {
 
 class Tireur;
-
-/// One node of a proof. A case distinction is followed by its first case and then its second, as in a prefix notation.
-struct Cas {
-    enum Genre { BORNE, SEUIL, ENTREE } genre = BORNE;
-    /// BORNE: `facteur` * (the sum of the asked places) + sum of multiplier * constraint <= `total`, where the left
-    /// side has no positive coefficient for any transition. With `facteur` 0, `total` is negative: the case cannot
-    /// occur. The constraints are the places, then those of the cases above in their order.
-    Large facteur = 0;
-    Large total = 0;
-    std::vector<std::pair<std::uint32_t, Large>> multiplicateurs;
-    /// SEUIL: "transition <= seuil", or "transition >= seuil + 1"; one constraint either way.
-    std::uint32_t transition = 0;
-    Compte seuil = 0;
-    /// ENTREE: the set Q. In the first case one constraint for each transition that needs a place of Q, ascending: it
-    /// is not fired; in the second one constraint: the transitions that need nothing of Q and put into Q are fired once
-    /// or more.
-    std::vector<std::uint32_t> places;
-};
 
 struct Majoration {
     Large borne;  ///< no reachable marking holds more in the asked places together
@@ -70,24 +48,39 @@ public:
     std::optional<Majoration> majorer(const std::vector<std::uint32_t>& places, Large minorant, Tireur* tireur,
                                       unsigned effort, std::uint64_t& depense);
 
+    const std::optional<Jeton>& jeton() const { return jeton_; }
+
     /// What one question may cost.
     static std::uint64_t travail(unsigned effort);
 
 private:
+    struct Noeud;
     struct Question;
 
-    std::optional<Majoration> chercher(Question& q);
-    void resoudre(Simplexe& s, Question& q);
-    void distinguer(const Simplexe& s, Question& q, Cas cas);
-    void clore(const Simplexe& s, Question& q, Simplexe::Issue issue);
-    std::vector<std::uint32_t> jamaisMarquees(const std::vector<bool>& tirees) const;
-    bool touche(const Creux& cote, const std::vector<bool>& places) const;
+    std::optional<Majoration> parInvariant(std::uint32_t place, Large minorant) const;
+    void retenir(const Question& q);
+    void chercher(Question& q);
+    void ouvrir(Question& q, std::uint32_t parent, std::vector<Contrainte> contraintes);
+    bool traiter(Question& q, std::uint32_t numero);
+    std::optional<Cas> contradiction(const Simplexe& s, bool infinie) const;
+    std::vector<std::uint32_t> jamaisEntre(const std::vector<bool>& tirees) const;
+    std::optional<Cas> jamaisQuitte(const Simplexe& s, const std::vector<bool>& tirees) const;
+    std::optional<Cas> fraction(const Simplexe& s) const;
+    std::optional<Cas> finDuJeton(const Simplexe& s) const;
+    std::optional<Simplexe> moindresTirs(const Simplexe& s, const Question& q) const;
+    bool realiser(const Simplexe& s, Question& q);
+    Cas clore(const Simplexe& s, const std::vector<Simplexe::Variable>& contraintes, Simplexe::Issue issue) const;
+    void rediger(const Question& q, std::uint32_t numero, Large borne, std::vector<Cas>& preuve) const;
 
     const Net& net_;
+    const std::optional<Jeton> jeton_;
+    std::optional<Promenade> promenade_;  // when every transition moves the token
     std::uint64_t travail_ = 0;
     // Each question starts here, from "nothing is fired": solutions without needless firings are the easier ones to
     // turn into runs, and the dictionary is at its sparsest.
     const Simplexe initial_;
+    // Bounds without cases, each with the place that it was found for; they bound other places, too.
+    std::vector<std::pair<std::uint32_t, Cas>> invariants_;
 };
 
 }  // namespace Reseau

@@ -31,9 +31,9 @@ void Resolution::finir(const Options& options) {
     if (fini_) return;
     if (!couverture.nonBornee() && conservatif(net_)) couverture.declarerIncomparables();
     if (Majorants::possible(net_)) {
-        Majorants majorants(net_);
+        majorants.emplace(net_);
         for (unsigned effort = 0; effort < EFFORTS; ++effort) {
-            if (options.verdictSeul ? majorerEnsemble(majorants, effort) : majorer(majorants, effort)) return;
+            if (options.verdictSeul ? majorerEnsemble(effort) : majorer(effort)) return;
             const std::uint64_t plus = std::max(options.essai, MINIMUM) << (3 * (effort + 1));
             if (couverture.explorer(plus, options.verdictSeul)) return;
         }
@@ -42,24 +42,24 @@ void Resolution::finir(const Options& options) {
 }
 
 /// @return whether all places together are bounded
-bool Resolution::majorerEnsemble(Majorants& majorants, unsigned effort) {
+bool Resolution::majorerEnsemble(unsigned effort) {
     std::vector<std::uint32_t> places(net_.places.size());
     std::iota(places.begin(), places.end(), 0U);
     std::uint64_t depense = 0;
-    ensemble = majorants.majorer(places, TOUT, nullptr, effort, depense);
+    ensemble = majorants->majorer(places, TOUT, nullptr, effort, depense);
     return ensemble.has_value();
 }
 
 /// Bounds the places that are not settled yet.
 /// @return whether every place is settled now; what is not is left to the exploration
-bool Resolution::majorer(Majorants& majorants, unsigned effort) {
+bool Resolution::majorer(unsigned effort) {
     std::vector<Compte> buts(net_.places.size(), OMEGA);
     std::uint64_t depense = 0;
     tireur.accorder(QUESTIONS * Majorants::travail(effort) / 2);
     for (std::uint32_t p = 0; p < net_.places.size(); ++p) {
         if (couverture.maxima()[p] == OMEGA || (majorations[p] && majorations[p]->borne == borne(p))) continue;
         if (depense > QUESTIONS * Majorants::travail(effort)) break;
-        std::optional<Majoration> neuve = majorants.majorer({p}, borne(p), &tireur, effort, depense);
+        std::optional<Majoration> neuve = majorants->majorer({p}, borne(p), &tireur, effort, depense);
         if (neuve && (!majorations[p] || neuve->borne < majorations[p]->borne)) majorations[p] = std::move(neuve);
     }
     for (std::uint32_t p = 0; p < net_.places.size(); ++p) {

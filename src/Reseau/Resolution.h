@@ -43,14 +43,16 @@ public:
 
     Couverture couverture;
     Tireur tireur;
+    /// The state equation, once it has been asked.
+    std::optional<Majorants> majorants;
     /// The upper bounds by the state equation, by place. What has none is bounded by the complete coverability set.
     std::vector<std::optional<Majoration>> majorations;
     /// When only the verdict was asked: the bound of all places together.
     std::optional<Majoration> ensemble;
 
 private:
-    bool majorer(Majorants& majorants, unsigned effort);
-    bool majorerEnsemble(Majorants& majorants, unsigned effort);
+    bool majorer(unsigned effort);
+    bool majorerEnsemble(unsigned effort);
 
     const Net& net_;
     bool fini_ = false;

@@ -3,6 +3,9 @@
 #include "Reseau/Simplexe.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <numeric>
 
 namespace Reseau {
 
@@ -20,10 +23,45 @@ Large plus(Large a, Large b) {
     return s;
 }
 
+Large absolu(Large a) { return a < 0 ? -a : a; }
+
+/// The greatest common divisor of non-negative numbers, in 64 bits as soon as they fit.
+Large pgcd(Large a, Large b) {
+    while (b != 0 && ((a | b) >> 63) != 0) {
+        const Large reste = a % b;
+        a = b;
+        b = reste;
+    }
+    return b == 0 ? a : std::gcd(static_cast<std::int64_t>(a), static_cast<std::int64_t>(b));
+}
+
 }  // namespace
 
+void Simplexe::Ligne::reduire() {
+    Large g = denominateur;
+    for (std::size_t j = 0; g != 1 && j < entrees.size(); ++j)
+        if (entrees[j] != 0) g = pgcd(absolu(entrees[j]), g);
+    if (g == 1) return;
+    denominateur /= g;
+    for (Large& x : entrees)
+        if (x != 0) x /= g;
+}
+
+void Simplexe::Ligne::remplacer(Large coefficient, const Ligne& autre, const std::vector<std::size_t>& occupees) {
+    const Large g = pgcd(absolu(coefficient), autre.denominateur);
+    const Large f = autre.denominateur / g;
+    const Large h = coefficient / g;
+    if (f != 1) {
+        denominateur = fois(f, denominateur);
+        for (Large& x : entrees)
+            if (x != 0) x = fois(f, x);
+    }
+    for (const std::size_t j : occupees) entrees[j] = plus(entrees[j], fois(h, autre[j]));
+    reduire();
+}
+
 Simplexe::Simplexe(std::uint32_t variables, std::uint64_t* travail) : travail_(travail) {
-    lignes_.emplace_back(variables + 1, 0);
+    lignes_.push_back({1, std::vector<Large>(variables + 1, 0)});
     base_.push_back(0);
     horsBase_.push_back(0);
     for (Variable v = 0; v < variables; ++v) {
@@ -32,18 +70,21 @@ Simplexe::Simplexe(std::uint32_t variables, std::uint64_t* travail) : travail_(t
     }
 }
 
-std::vector<Large> Simplexe::exprimer(Large constante, const Forme& forme) const {
-    std::vector<Large> ligne(horsBase_.size(), 0);
-    ligne[0] = fois(constante, d_);
+Simplexe::Ligne Simplexe::exprimer(Large constante, const Forme& forme) const {
+    Ligne ligne;
+    ligne.entrees.assign(horsBase_.size(), 0);
+    ligne[0] = constante;
     for (const auto& [v, coefficient] : forme) {
         const Lieu lieu = lieux_[v];
         if (!lieu.enBase) {
-            ligne[lieu.index] = plus(ligne[lieu.index], fois(coefficient, d_));
+            ligne[lieu.index] = plus(ligne[lieu.index], fois(coefficient, ligne.denominateur));
             continue;
         }
-        const std::vector<Large>& de = lignes_[lieu.index];
-        for (std::size_t j = 0; j < ligne.size(); ++j)
-            if (de[j] != 0) ligne[j] = plus(ligne[j], fois(coefficient, de[j]));
+        const Ligne& de = lignes_[lieu.index];
+        std::vector<std::size_t> occupees;
+        for (std::size_t j = 0; j < de.entrees.size(); ++j)
+            if (de[j] != 0) occupees.push_back(j);
+        ligne.remplacer(fois(coefficient, ligne.denominateur), de, occupees);
     }
     return ligne;
 }
@@ -60,37 +101,25 @@ Simplexe::Variable Simplexe::contraindre(Large constante, const Forme& forme) {
 void Simplexe::pivoter(std::size_t ligne, std::size_t colonne) {
     if (*travail_ == 0) throw Abandon();
     std::uint64_t fait = lignes_.size() + horsBase_.size();
-    std::vector<Large>& r = lignes_[ligne];
-    const Large pivot = r[colonne];
-    const Large signe = pivot < 0 ? -1 : 1;
-    const Large d = signe * pivot;
-    for (Large& x : r) x = -signe * x;
-    r[colonne] = signe * d_;
+    Ligne& r = lignes_[ligne];
+    const Large signe = r[colonne] < 0 ? -1 : 1;
+    const Large pivot = signe * r[colonne];
+    for (Large& x : r.entrees) x = -signe * x;
+    r[colonne] = signe * r.denominateur;
+    r.denominateur = pivot;
+    r.reduire();
     std::vector<std::size_t> occupees;
-    for (std::size_t j = 0; j < r.size(); ++j)
+    for (std::size_t j = 0; j < r.entrees.size(); ++j)
         if (r[j] != 0) occupees.push_back(j);
-    // The quotients below come out even; a division of 128 bits is dear, and one by 1 common.
-    const auto quotient = [this](Large x) { return d_ == 1 ? x : x / d_; };
     for (std::size_t i = 0; i < lignes_.size(); ++i) {
-        if (i == ligne) continue;
-        std::vector<Large>& t = lignes_[i];
+        Ligne& t = lignes_[i];
+        if (i == ligne || t[colonne] == 0) continue;
         const Large c = t[colonne];
         t[colonne] = 0;
-        // t = (d t + c r) / d_, where most entries are zero and d mostly equals d_.
-        fait += d == d_ ? occupees.size() * (c != 0) : 2 * t.size();
-        if (d == d_) {
-            for (const std::size_t j : occupees) t[j] = plus(t[j], quotient(fois(c, r[j])));
-            continue;
-        }
-        for (Large& x : t)
-            if (x != 0) x = fois(d, x);
-        if (c != 0)
-            for (const std::size_t j : occupees) t[j] = plus(t[j], fois(c, r[j]));
-        for (Large& x : t)
-            if (x != 0) x = quotient(x);
+        t.remplacer(c, r, occupees);
+        fait += t.denominateur == 1 ? occupees.size() : t.entrees.size() + occupees.size();
     }
     *travail_ -= std::min(*travail_, fait);
-    d_ = d;
     std::swap(base_[ligne], horsBase_[colonne]);
     lieux_[base_[ligne]] = {true, ligne};
     lieux_[horsBase_[colonne]] = {false, colonne};
@@ -99,7 +128,7 @@ void Simplexe::pivoter(std::size_t ligne, std::size_t colonne) {
 /// Makes every constant non-negative by the dual method; the objective is zero, so any entering variable will do.
 /// @return false when a line shows that none can: it is a negative constant plus non-positive multiples
 bool Simplexe::realisable() {
-    std::ranges::fill(lignes_[0], 0);
+    lignes_[0] = exprimer(0, {});
     while (true) {
         // Bland: the infeasible basic variable and then the entering variable of the smallest number.
         std::size_t ligne = 0;
@@ -118,7 +147,7 @@ bool Simplexe::realisable() {
 }
 
 /// The basic variable that is first to reach zero when the variable of `colonne` grows; 0 when none ever does.
-std::size_t Simplexe::sortante(std::size_t colonne) const {
+std::size_t Simplexe::sortante(std::size_t colonne, bool bland) const {
     std::size_t choix = 0;
     for (std::size_t i = 1; i < lignes_.size(); ++i) {
         if (lignes_[i][colonne] >= 0) continue;
@@ -128,7 +157,10 @@ std::size_t Simplexe::sortante(std::size_t colonne) const {
         }
         const Large ici = fois(lignes_[i][0], -lignes_[choix][colonne]);
         const Large meilleur = fois(lignes_[choix][0], -lignes_[i][colonne]);
-        if (ici < meilleur || (ici == meilleur && base_[i] < base_[choix])) choix = i;
+        if (ici > meilleur) continue;
+        // Among equals the smallest pivot, which keeps the entries small.
+        const bool prefere = bland ? base_[i] < base_[choix] : lignes_[i][colonne] > lignes_[choix][colonne];
+        if (ici < meilleur || prefere) choix = i;
     }
     return choix;
 }
@@ -146,7 +178,7 @@ Simplexe::Issue Simplexe::maximiser(const Forme& forme) {
             if (mieux) colonne = j;
         }
         if (colonne == 0) return issue_ = Issue::OPTIMUM;
-        const std::size_t ligne = sortante(colonne);
+        const std::size_t ligne = sortante(colonne, tours >= patience);
         if (ligne == 0) {
             temoin_ = colonne;
             return issue_ = Issue::INFINI;
@@ -155,14 +187,67 @@ Simplexe::Issue Simplexe::maximiser(const Forme& forme) {
     }
 }
 
-Large Simplexe::valeur(Variable v) const { return lieux_[v].enBase ? lignes_[lieux_[v].index][0] : 0; }
+/// The nonbasic variable that keeps the objective's coefficients non-positive when the one of `ligne` leaves; 0 when
+/// the line shows that there is no solution.
+std::size_t Simplexe::entrante(std::size_t ligne, bool bland) const {
+    const Ligne& r = lignes_[ligne];
+    std::size_t choix = 0;
+    for (std::size_t j = 1; j < r.entrees.size(); ++j) {
+        if (r[j] <= 0) continue;
+        if (choix == 0) {
+            choix = j;
+            continue;
+        }
+        const Large ici = fois(-lignes_[0][j], r[choix]);
+        const Large meilleur = fois(-lignes_[0][choix], r[j]);
+        if (ici > meilleur) continue;
+        const bool prefere = bland ? horsBase_[j] < horsBase_[choix] : r[j] < r[choix];
+        if (ici < meilleur || prefere) choix = j;
+    }
+    return choix;
+}
+
+Simplexe::Issue Simplexe::reoptimiser() {
+    const std::size_t patience = 4 * (lignes_.size() + horsBase_.size());
+    // Only a preference, so it may be rounded.
+    const auto manque = [this](std::size_t i) {
+        return -static_cast<double>(lignes_[i][0]) / static_cast<double>(lignes_[i].denominateur);
+    };
+    for (std::size_t tours = 0;; ++tours) {
+        std::size_t ligne = 0;
+        for (std::size_t i = 1; i < lignes_.size(); ++i) {
+            if (lignes_[i][0] >= 0) continue;
+            const bool mieux = ligne == 0 || (tours < patience ? manque(i) > manque(ligne) : base_[i] < base_[ligne]);
+            if (mieux) ligne = i;
+        }
+        if (ligne == 0) return issue_ = Issue::OPTIMUM;
+        const std::size_t colonne = entrante(ligne, tours >= patience);
+        if (colonne == 0) {
+            temoin_ = ligne;
+            return issue_ = Issue::IMPOSSIBLE;
+        }
+        pivoter(ligne, colonne);
+    }
+}
+
+Fraction Simplexe::valeur(Variable v) const {
+    if (!lieux_[v].enBase) return {0, 1};
+    const Ligne& ligne = lignes_[lieux_[v].index];
+    const Large g = ligne.denominateur == 1 ? 1 : pgcd(absolu(ligne[0]), ligne.denominateur);
+    return {ligne[0] / g, ligne.denominateur / g};
+}
+
+Fraction Simplexe::optimum() const {
+    const Ligne& ligne = lignes_[issue_ == Issue::IMPOSSIBLE ? temoin_ : 0];
+    return {ligne[0], ligne.denominateur};
+}
 
 Simplexe::Forme Simplexe::multiplicateurs() const {
-    const std::vector<Large>& ligne = lignes_[issue_ == Issue::IMPOSSIBLE ? temoin_ : 0];
+    const Ligne& ligne = lignes_[issue_ == Issue::IMPOSSIBLE ? temoin_ : 0];
     Forme y;
-    for (std::size_t j = 1; j < ligne.size(); ++j)
+    for (std::size_t j = 1; j < ligne.entrees.size(); ++j)
         if (ligne[j] != 0) y.emplace_back(horsBase_[j], -ligne[j]);
-    if (issue_ == Issue::IMPOSSIBLE) y.emplace_back(base_[temoin_], d_);
+    if (issue_ == Issue::IMPOSSIBLE) y.emplace_back(base_[temoin_], ligne.denominateur);
     return y;
 }
 

@@ -1,13 +1,12 @@
 // Exact linear programming in integers. A dictionary expresses the basic variables by the others,
 //
-//     D * basic[i] = T[i][0] + sum over j of T[i][j] * nonbasic[j],
+//     d[i] * basic[i] = T[i][0] + sum over j of T[i][j] * nonbasic[j],
 //
-// with one common denominator D > 0 and integer entries: Edmonds' integer pivoting, in which every division comes out
-// even. All variables are non-negative. Entries are 128 bits wide and every product is checked; a program whose entries
-// grow beyond them is given up with an exception, so there is no rounding anywhere and no wrong answer.
+// with integer entries and a denominator d[i] > 0 for each line, in lowest terms. All variables are non-negative.
+// Entries are 128 bits wide and every product is checked; a program whose entries grow beyond them is given up with an
+// exception, so there is no rounding anywhere and no wrong answer.
 //
-// Sources: V. Chvatal, "Linear Programming" (1983), for dictionaries and both simplex methods; J. Edmonds, J.-F.
-// Maurras, "Note sur les Q-matrices d'Edmonds", RAIRO 31 (1997), for the integer pivot.
+// Source: V. Chvatal, "Linear Programming" (1983), for dictionaries, the primal and the dual method.
 #pragma once
 
 #include <cstdint>
@@ -20,6 +19,14 @@ namespace Reseau {
 
 /// Thrown when a program is given up: an entry beyond 128 bits, or too much work.
 struct Abandon {};
+
+/// In lowest terms, with a positive denominator.
+struct Fraction {
+    Large numerateur;
+    Large denominateur;
+    bool entiere() const { return denominateur == 1; }
+    Large plancher() const { return numerateur / denominateur - (numerateur % denominateur < 0 ? 1 : 0); }
+};
 
 class Simplexe {
 public:
@@ -41,12 +48,18 @@ public:
     /// @throws Abandon, and is then of no further use
     Issue maximiser(const Forme& forme);
 
-    Large denominateur() const { return d_; }
-    /// The value of a variable times the denominator.
-    Large valeur(Variable v) const;
-    /// The largest value found times the denominator; after IMPOSSIBLE the negative number of `multiplicateurs`.
-    Large optimum() const { return lignes_[issue_ == Issue::IMPOSSIBLE ? temoin_ : 0][0]; }
-    /// After OPTIMUM: the non-negative multipliers y with D * forme + sum of y[v] * v = optimum as an identity.
+    /// Maximises the same form again, after OPTIMUM and with constraints added since: the dual method, which needs few
+    /// steps.
+    /// @return IMPOSSIBLE or OPTIMUM
+    /// @throws Abandon, and is then of no further use
+    Issue reoptimiser();
+
+    /// The value of a variable.
+    Fraction valeur(Variable v) const;
+    /// The largest value found; after IMPOSSIBLE its numerator is the negative number of `multiplicateurs`.
+    Fraction optimum() const;
+    /// After OPTIMUM: the non-negative multipliers y with denominator * forme + sum of y[v] * v = numerator as an
+    /// identity, for the fraction `optimum`.
     /// After IMPOSSIBLE: those with sum of y[v] * v = a negative number.
     /// Only variables with a multiplier that is not 0 are listed.
     Forme multiplicateurs() const;
@@ -54,16 +67,27 @@ public:
     bool grandit(Variable v) const;
 
 private:
-    std::vector<Large> exprimer(Large constante, const Forme& forme) const;
+    struct Ligne {
+        Large denominateur = 1;
+        std::vector<Large> entrees;  // column 0 is the constant
+        Large operator[](std::size_t j) const { return entrees[j]; }
+        Large& operator[](std::size_t j) { return entrees[j]; }
+        void reduire();
+        /// Puts `autre`, which is zero but at `occupees`, in the place of a variable that stands here with
+        /// `coefficient`.
+        void remplacer(Large coefficient, const Ligne& autre, const std::vector<std::size_t>& occupees);
+    };
+
+    Ligne exprimer(Large constante, const Forme& forme) const;
     bool realisable();
     void pivoter(std::size_t ligne, std::size_t colonne);
-    std::size_t sortante(std::size_t colonne) const;
+    std::size_t sortante(std::size_t colonne, bool bland) const;
+    std::size_t entrante(std::size_t ligne, bool bland) const;
 
     std::uint64_t* travail_;
-    Large d_ = 1;
-    std::vector<std::vector<Large>> lignes_;  // line 0 is the objective; column 0 the constants
-    std::vector<Variable> base_;              // by line; base_[0] is not used
-    std::vector<Variable> horsBase_;          // by column; horsBase_[0] is not used
+    std::vector<Ligne> lignes_;       // line 0 is the objective
+    std::vector<Variable> base_;      // by line; base_[0] is not used
+    std::vector<Variable> horsBase_;  // by column; horsBase_[0] is not used
     struct Lieu {
         bool enBase;
         std::size_t index;

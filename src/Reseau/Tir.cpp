@@ -249,14 +249,31 @@ void Tireur::tirer(std::vector<Elan> sequence, Compte fois) {
         reste_[e.transition] -= compris;
         credit_[e.transition] = std::max<Compte>(0, credit_[e.transition] - (tirs - compris));
     }
-    for (const Elan& elan : sequence)
+    noter({std::move(sequence), fois});
+}
+
+/// Appends a block that has led to `marquage_`, and remembers what has been reached.
+void Tireur::noter(const Bloc& bloc) {
+    course_.push_back(bloc);
+    for (const Elan& elan : bloc.elans)
         for (const Poids& e : net_.transitions[elan.transition].effet) {
             if (marquage_[e.place] <= minorants_[e.place]) continue;
             minorants_[e.place] = marquage_[e.place];
-            origines_[e.place] = {courses_.size(), course_.size() + 1};
+            origines_[e.place] = {courses_.size(), course_.size()};
             progres_ = true;
         }
-    course_.push_back({std::move(sequence), fois});
+}
+
+void Tireur::adopter(Course course) {
+    marquage_ = net_.initial;
+    course_.clear();
+    progres_ = false;
+    for (const Bloc& bloc : course) {
+        for (const Elan& e : bloc.elans)
+            appliquer(net_.transitions[e.transition], produit(e.fois, bloc.fois), marquage_);
+        noter(bloc);
+    }
+    if (progres_) courses_.push_back(std::move(course_));
 }
 
 /// Nothing that is left can be fired here: walks to the nearest marking where something can, if there is one near. The

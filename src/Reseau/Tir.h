@@ -11,23 +11,10 @@
 #include <cstdint>
 #include <vector>
 
+#include "Reseau/Course.h"
 #include "Reseau/Net.h"
 
 namespace Reseau {
-
-/// A transition, fired `fois` times in a row.
-struct Elan {
-    std::uint32_t transition;
-    Compte fois;
-};
-
-/// A sequence, gone through `fois` times in a row.
-struct Bloc {
-    std::vector<Elan> elans;
-    Compte fois;
-};
-
-using Course = std::vector<Bloc>;
 
 class Tireur {
 public:
@@ -39,6 +26,9 @@ public:
 
     /// Looks for runs that fire each transition t about `comptes[t]` times, until minorants()[place] is `but`.
     void realiser(const std::vector<Compte>& comptes, std::uint32_t place, Compte but);
+
+    /// Takes over a run that another search has found.
+    void adopter(Course course);
 
     /// The largest count reached so far, by place.
     const std::vector<Compte>& minorants() const { return minorants_; }
@@ -55,6 +45,7 @@ private:
         std::size_t blocs;
     };
 
+    void noter(const Bloc& bloc);
     bool essayer(const std::vector<Compte>& comptes, std::uint64_t graine);
     bool depenser(std::uint64_t travail);
     std::uint32_t choisir(std::uint64_t graine);

@@ -79,6 +79,7 @@ private:
     void verifierMortes();
     void verifierPartie();
     void verifierTirees();
+    void verifierJeton(const Mots& m);
     void verifierOmega(const Mots& m);
     void verifierEnsemble();
     void verifierSansBorne(const Mots& m);
@@ -86,6 +87,8 @@ private:
     void verifierMajorant(const Mots& m, const Vecteur& somme, std::optional<Entier> borne);
     void verifierMarquages() const;
     Entier cas(const Vecteur& somme);
+    struct Contrainte;
+    void depart(const Mots& m, std::vector<Contrainte>& premier, Contrainte& second) const;
     Entier ferme(const Mots& m, const Vecteur& somme) const;
 
     bool concerne(const Transition& t) const;
@@ -116,6 +119,7 @@ private:
     // Of the part under way.
     std::set<std::string> partie_;
     Mots tirees_;
+    std::set<std::string> jeton_;
     std::map<std::string, Omega> omegas_;
     std::vector<Vecteur> ensemble_;
     struct Contrainte {
@@ -214,6 +218,23 @@ void Verification::verifierTirees() {
     for (const auto& [nom, t] : transitions_) {
         if (mortes_.contains(nom) || !concerne(t)) continue;
         exiger(listees.contains({dansPartie(t.pre), dansPartie(t.effet)}), "not among the part's transitions: " + nom);
+    }
+}
+
+/// The places hold one token together at the start, and no transition takes or puts more, or one without the other.
+void Verification::verifierJeton(const Mots& m) {
+    jeton_ = {m.begin() + 1, m.end()};
+    const auto somme = [this](const Vecteur& v) {
+        Entier n = 0;
+        for (const std::string& p : jeton_) n += lire(v, p);
+        return n;
+    };
+    exiger(std::ranges::all_of(jeton_, [this](const std::string& p) { return partie_.contains(p); }),
+           "the token leaves the part");
+    exiger(somme(initial_) == 1, "there is not one token");
+    for (const std::string& nom : tirees_) {
+        const Transition& t = transitions_.at(nom);
+        exiger(somme(t.pre) <= 1 && somme(t.effet) == 0, "the token is not kept by " + nom);
     }
 }
 
@@ -356,6 +377,42 @@ Entier Verification::ferme(const Mots& m, const Vecteur& somme) const {
     return constante < 0 ? -1 : constante / facteur;
 }
 
+/// The constraints of a departure. While the token is outside U only what takes it from outside is fired, or leaves it
+/// alone; so at the time when it enters U these are all, but for an unknown share of the latter.
+void Verification::depart(const Mots& m, std::vector<Contrainte>& premier, Contrainte& second) const {
+    const auto fin = m.begin() + 2 + static_cast<std::ptrdiff_t>(nombre(m.at(1)));
+    exiger(fin <= m.end(), "places are missing");
+    const std::set<std::string> u(m.begin() + 2, fin);
+    for (const std::string& p : u)
+        exiger(jeton_.contains(p) && lire(initial_, p) == 0, "not a place for the token to come to: " + p);
+    // -1: elsewhere, 0: nowhere, 1: in U
+    const auto ou = [&](const std::string& nom, bool apres) {
+        const Transition& t = transitions_.at(nom);
+        for (const std::string& p : jeton_)
+            if (lire(t.pre, p) + (apres ? lire(t.effet, p) : 0) == 1) return u.contains(p) ? 1 : -1;
+        return 0;
+    };
+    second.constante = -1;
+    for (const std::string& t : tirees_) {
+        if (ou(t, false) != 1 || ou(t, true) != -1) continue;
+        premier.push_back({{{t, -1}}, 0});
+        second.forme[t] = 1;
+    }
+    for (auto p = fin; p != m.end(); ++p) {
+        exiger(partie_.contains(*p), "a place of another part");
+        Contrainte c{{}, lire(initial_, *p)};
+        for (const std::string& nom : tirees_) {
+            const Transition& t = transitions_.at(nom);
+            const int avant = ou(nom, false);
+            if (avant == 0)
+                c.forme[nom] = std::max<Entier>(0, lire(t.effet, *p));
+            else if (avant == -1)
+                c.forme[nom] = ou(nom, true) == 1 ? -lire(t.pre, *p) : lire(t.effet, *p);
+        }
+        premier.push_back(std::move(c));
+    }
+}
+
 /// Reads one tree of cases; @return the largest bound of its leaves
 Entier Verification::cas(const Vecteur& somme) {
     const Mots m = prochaine();
@@ -367,6 +424,17 @@ Entier Verification::cas(const Vecteur& somme) {
         const Entier k = nombre(m.at(2));
         premier.push_back({{{m.at(1), -1}}, k});
         second = {{{m.at(1), 1}}, -k - 1};
+    } else if (m[0] == "level") {
+        const Entier k = nombre(m.at(2));
+        exiger(partie_.contains(m.at(1)), "a place of another part");
+        premier.push_back({{}, k - lire(initial_, m.at(1))});
+        second.constante = lire(initial_, m.at(1)) - k - 1;
+        for (const std::string& t : tirees_) {
+            second.forme[t] = lire(transitions_.at(t).effet, m.at(1));
+            premier[0].forme[t] = -second.forme[t];
+        }
+    } else if (m[0] == "departure") {
+        depart(m, premier, second);
     } else {
         exiger(m[0] == "entry", "a case expected, not " + m[0]);
         const std::set<std::string> q(m.begin() + 1, m.end());
@@ -426,9 +494,11 @@ void Verification::verifierPartie() {
     tirees_ = prochaine();
     exiger(tirees_[0] == "fires", "\"fires\" expected");
     tirees_.erase(tirees_.begin());
+    jeton_.clear();
     omegas_.clear();
     ensemble_.clear();
     verifierTirees();
+    if (commence("token")) verifierJeton(prochaine());
     const bool sansBorneAvant = unePartieSansBorne_;
     unePartieSansBorne_ = false;
     if (commence("unbounded")) verifierSansBorne(prochaine());

@@ -1,0 +1,43 @@
+// The proof of an upper bound: a tree of cases that every run falls into, each closed by non-negative multipliers which
+// show its bound, a place invariant for short.
+//
+//   threshold  transition t is fired at most k times, or at least k + 1 times.
+//   level      place p holds at most k tokens at the end, or at least k + 1.
+//   entry      a set Q of places, empty at the start, is never entered, and then nothing that needs a place of Q is
+//              fired; or a transition that enters Q from outside is fired.
+//   departure  a set U of places of the control token (see Jeton.h) is never left, and then no place is below zero when
+//              it is entered, after everything that takes the token elsewhere; or a transition that leaves U is fired.
+#pragma once
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "Reseau/Compte.h"
+
+namespace Reseau {
+
+/// One node of a proof. A case distinction is followed by its first case and then its second, as in a prefix notation.
+struct Cas {
+    enum Genre { BORNE, SEUIL, NIVEAU, ENTREE, DEPART } genre = BORNE;
+    /// BORNE: `facteur` * (the sum of the asked places) + sum of multiplier * constraint <= `total`, where the left
+    /// side has no positive coefficient for any transition. With `facteur` 0, `total` is negative: the case cannot
+    /// occur. The constraints are the places, then those of the cases above in their order.
+    Large facteur = 0;
+    Large total = 0;
+    std::vector<std::pair<std::uint32_t, Large>> multiplicateurs;
+    /// SEUIL: "transition <= seuil", or "transition >= seuil + 1"; one constraint either way. NIVEAU: the same of
+    /// `places[0]`.
+    std::uint32_t transition = 0;
+    Compte seuil = 0;
+    /// ENTREE: the set Q. In the first case one constraint for each transition that needs a place of Q, ascending: it
+    /// is not fired; in the second one constraint: the transitions that need nothing of Q and put into Q are fired once
+    /// or more.
+    /// DEPART: the set U. In the first case one constraint for each transition that leaves U, ascending: it is not
+    /// fired; and then one for each place of `bornees`: it is not below zero when U is entered. In the second one
+    /// constraint: the transitions that leave U are fired once or more.
+    std::vector<std::uint32_t> places;
+    std::vector<std::uint32_t> bornees;
+};
+
+}  // namespace Reseau

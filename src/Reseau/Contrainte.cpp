@@ -1,0 +1,86 @@
+#include "Reseau/Contrainte.h"
+
+#include <algorithm>
+
+namespace Reseau {
+
+namespace {
+
+std::vector<bool> ensemble(const Net& net, const std::vector<std::uint32_t>& places) {
+    std::vector<bool> dedans(net.places.size(), false);
+    for (const std::uint32_t p : places) dedans[p] = true;
+    return dedans;
+}
+
+bool quitte(const Jeton& jeton, const std::vector<bool>& u, std::uint32_t t) {
+    return jeton.de(t) != Jeton::NULLE_PART && u[jeton.de(t)] && !u[jeton.vers(t)];
+}
+
+/// At most, or at least one more than, `k` of what `forme` counts.
+Contrainte auPlus(Contrainte forme, Compte k) {
+    forme.constante = k - forme.constante;
+    for (auto& [t, c] : forme.forme) c = -c;
+    return forme;
+}
+Contrainte auMoins(Contrainte forme, Compte k) {
+    forme.constante -= static_cast<Large>(k) + 1;
+    return forme;
+}
+
+}  // namespace
+
+bool touche(const Creux& cote, const std::vector<bool>& places) {
+    return std::ranges::any_of(cote, [&places](const Poids& p) { return places[p.place]; });
+}
+
+Contrainte etat(const Net& net, std::uint32_t place) {
+    Contrainte c{net.initial[place], {}};
+    for (std::uint32_t t = 0; t < net.transitions.size(); ++t)
+        if (const Compte e = valeur(net.transitions[t].effet, place); e != 0) c.forme.emplace_back(t, e);
+    return c;
+}
+
+/// What takes the token elsewhere has been fired, what keeps it in `u` has not; what leaves the token alone may have
+/// been, so that only what it puts counts. The transition that enters has taken and not yet put.
+Contrainte entree(const Net& net, const Jeton& jeton, const std::vector<bool>& u, std::uint32_t place) {
+    Contrainte c{net.initial[place], {}};
+    for (std::uint32_t t = 0; t < net.transitions.size(); ++t) {
+        const Transition& tr = net.transitions[t];
+        Compte e = valeur(tr.effet, place);
+        if (jeton.de(t) == Jeton::NULLE_PART)
+            e = std::max<Compte>(e, 0);
+        else if (u[jeton.de(t)])
+            e = 0;
+        else if (u[jeton.vers(t)])
+            e = -valeur(tr.pre, place);
+        if (e != 0) c.forme.emplace_back(t, e);
+    }
+    return c;
+}
+
+std::vector<Contrainte> premierCas(const Net& net, const Jeton* jeton, const Cas& cas) {
+    if (cas.genre == Cas::SEUIL) return {auPlus({0, {{cas.transition, 1}}}, cas.seuil)};
+    if (cas.genre == Cas::NIVEAU) return {auPlus(etat(net, cas.places[0]), cas.seuil)};
+    const std::vector<bool> dedans = ensemble(net, cas.places);
+    std::vector<Contrainte> contraintes;
+    for (std::uint32_t t = 0; t < net.transitions.size(); ++t)
+        if (cas.genre == Cas::ENTREE ? touche(net.transitions[t].pre, dedans) : quitte(*jeton, dedans, t))
+            contraintes.push_back({0, {{t, -1}}});
+    for (const std::uint32_t p : cas.bornees) contraintes.push_back(entree(net, *jeton, dedans, p));
+    return contraintes;
+}
+
+Contrainte secondCas(const Net& net, const Jeton* jeton, const Cas& cas) {
+    if (cas.genre == Cas::SEUIL) return auMoins({0, {{cas.transition, 1}}}, cas.seuil);
+    if (cas.genre == Cas::NIVEAU) return auMoins(etat(net, cas.places[0]), cas.seuil);
+    const std::vector<bool> dedans = ensemble(net, cas.places);
+    Contrainte contrainte{-1, {}};
+    for (std::uint32_t t = 0; t < net.transitions.size(); ++t) {
+        const Transition& tr = net.transitions[t];
+        if (cas.genre == Cas::ENTREE ? !touche(tr.pre, dedans) && touche(tr.post, dedans) : quitte(*jeton, dedans, t))
+            contrainte.forme.emplace_back(t, 1);
+    }
+    return contrainte;
+}
+
+}  // namespace Reseau
