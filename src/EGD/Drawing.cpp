@@ -75,14 +75,16 @@ void Drawing::addPosY(double d) { move(0.0, d); }
 
 void Drawing::addTranslation(double dx, double dy, double speed) {
     if (dx == 0.0 && dy == 0.0) return;
-    vAnimation_.emplace_back(dx, dy, speed);
+    if (!vAnimation_) vAnimation_ = std::make_unique<std::deque<Animation>>();
+    vAnimation_->emplace_back(dx, dy, speed);
 }
 
 void Drawing::nextFrame() {
-    if (vAnimation_.empty()) return;
+    if (!vAnimation_) return;
     double dx = 0.0;
     double dy = 0.0;
-    if (!vAnimation_.front().getAddXY(dx, dy)) vAnimation_.pop_front();
+    if (!vAnimation_->front().getAddXY(dx, dy)) vAnimation_->pop_front();
+    if (vAnimation_->empty()) vAnimation_.reset();
     move(dx, dy);
 }
 

@@ -7,6 +7,7 @@
 #include <sigc++/sigc++.h>
 
 #include <deque>
+#include <memory>
 
 #include "EGD/Color.h"
 
@@ -82,7 +83,7 @@ public:
 
     /// Queues a translation by (dx, dy) pixels at `speed` pixels a frame; an empty one is ignored.
     void addTranslation(double dx, double dy, double speed);
-    void clearAllAnimations() { vAnimation_.clear(); }
+    void clearAllAnimations() { vAnimation_.reset(); }
 
     /// Performs one step of the first queued translation.
     void nextFrame();
@@ -118,7 +119,7 @@ private:
     Color _colorIn{0, 0, 0, 0};
     double _widthLine = 3.0;
     EasyDrawingArea* area_ = nullptr;
-    std::deque<Animation> vAnimation_;  // the first one is being performed
+    std::unique_ptr<std::deque<Animation>> vAnimation_;  // null when there is none: an empty deque takes 600 bytes
     double _posX;
     double _posY;
     bool _visible = true;
