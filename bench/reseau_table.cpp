@@ -1,6 +1,7 @@
 // How the analyser does on every family, beside the yardstick: `reseau_table [SECONDS]` prints one line for each net.
 // Each measurement runs in a process of its own, which gives its time and its peak of memory and ends after SECONDS
 // (10).
+// One thread works, so that processor time is what it takes.
 //
 //   answer    verdict and all bounds, as the program gives them
 //   set       the whole minimal coverability set of the whole net, whether or not the answer needs it
@@ -41,12 +42,12 @@ std::uint64_t empreinte(const std::vector<Reseau::Compte>& bornes) {
 }
 
 void repondre(const Reseau::Net& net, Mesure& m) {
-    const Reseau::Rapport r = Reseau::analyser(net, {});
+    const Reseau::Rapport r = Reseau::analyser(net, {.fils = 1});
     m = {.bornee = r.bornee, .noeuds = r.explores, .empreinte = empreinte(r.bornes)};
 }
 
 void couvrir(const Reseau::Net& net, Mesure& m) {
-    Reseau::Couverture c(net);
+    Reseau::Couverture c(net, 1);
     if (Reseau::conservatif(net)) c.declarerIncomparables();
     c.explorer(std::numeric_limits<std::uint64_t>::max(), false);
     m = {

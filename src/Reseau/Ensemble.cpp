@@ -1,5 +1,6 @@
 #include "Reseau/Ensemble.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -13,7 +14,7 @@ std::size_t Ensemble::numero(std::uint64_t h) const {
 }
 
 bool Ensemble::ajouter(const Champs& champs, const Mot* m, std::uint64_t h) {
-    if (taille_ >= seaux_ * CHARGE) scinder(champs);
+    if (taille_ >= seaux_ * std::max(PEU, CHARGE / champs.octets())) scinder(champs);
     Liasse& l = seau(numero(h));
     const std::size_t octets = champs.octets();
     for (std::uint32_t i = 0; i < l.taille(); ++i)

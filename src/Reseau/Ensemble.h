@@ -34,8 +34,9 @@ public:
     }
 
 private:
-    static constexpr std::size_t CHARGE = 48;  // members of a bucket, on average
-    static constexpr std::size_t BLOC = 64;    // buckets of a block
+    static constexpr std::size_t CHARGE = 400;  // bytes in a bucket, on average
+    static constexpr std::size_t PEU = 4;       // members of a bucket on average, however large they are
+    static constexpr std::size_t BLOC = 64;     // buckets of a block
 
     const Liasse& seau(std::size_t i) const { return blocs_[i / BLOC][i % BLOC]; }
     Liasse& seau(std::size_t i) { return blocs_[i / BLOC][i % BLOC]; }

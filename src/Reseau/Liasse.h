@@ -1,4 +1,5 @@
-// A growing array of packed markings of one size, in which no more than one place in eight is room to grow.
+// A growing array of packed markings of one size, in which no more than one place in eight (but always one) is room to
+// grow.
 #pragma once
 
 #include <cstdint>
@@ -19,13 +20,13 @@ public:
     /// Makes room for one more at the end.
     /// @throws std::bad_alloc
     std::uint8_t* allonger(std::size_t octets) {
-        if (taille_ == place_) retailler(taille_ + taille_ / 8 + 2, octets);
+        if (taille_ == place_) retailler(taille_ + taille_ / 8 + 1, octets);
         return en(taille_++, octets);
     }
     /// Shortens it; room that is no longer needed is given back.
     void raccourcir(std::uint32_t taille, std::size_t octets) {
         taille_ = taille;
-        if (taille_ + taille_ / 4 + 8 < place_) retailler(taille_, octets);
+        if (taille_ + taille_ / 4 + 4 < place_) retailler(taille_, octets);
     }
 
 private:
