@@ -34,6 +34,7 @@ private:
     void atteinte(std::uint32_t p);
     void ensemble();
     void nonBornee();
+    std::size_t pompe(std::size_t numero);
     void arbre(const Majoration& majoration);
 
     std::ostream& out_;
@@ -101,10 +102,33 @@ void Redacteur::ensemble() {
 
 void Redacteur::nonBornee() {
     out_ << "unbounded stem";
-    pas(resolution_.couverture.tige());
-    out_ << " cycle";
-    pas(resolution_.couverture.accelerations()[0].pas);
+    if (resolution_.couverture.nonBornee()) {
+        pas(resolution_.couverture.tige());
+        out_ << " cycle";
+        pas(resolution_.couverture.accelerations()[0].pas);
+    } else {
+        const Course run = resolution_.tireur.course(resolution_.tireur.pompes()[0]);
+        course(run);
+        out_ << " cycle";
+        course({{run.back().elans, 1}});
+    }
     out_ << '\n';
+}
+
+/// Writes a pump as an acceleration, numbered after those of the exploration, when it is not written yet.
+/// @return its number
+std::size_t Redacteur::pompe(std::size_t numero) {
+    const Tireur::Pompe& pompe = resolution_.tireur.pompes()[numero];
+    numero += resolution_.couverture.accelerations().nombre();
+    if (!ecrites_.insert(static_cast<std::uint32_t>(numero)).second) return numero;
+    out_ << "omega " << numero << " raises";
+    liste(pompe.monte);
+    out_ << " needs";
+    marquage(pompe.besoin);
+    out_ << " by";
+    course({{resolution_.tireur.course(pompe).back().elans, 1}});
+    out_ << '\n';
+    return numero;
 }
 
 void Redacteur::atteinte(std::uint32_t p) {
@@ -113,6 +137,7 @@ void Redacteur::atteinte(std::uint32_t p) {
     const std::vector<Pas> chemin =
         parCourse ? std::vector<Pas>() : resolution_.couverture.chemin(resolution_.couverture.temoin(p));
     accelerations(chemin);
+    const std::size_t finale = parCourse && borne == OMEGA ? pompe(resolution_.tireur.pompe(p)) : 0;
     out_ << "bound " << place(p) << ' ';
     if (borne == OMEGA)
         out_ << 'w';
@@ -123,6 +148,7 @@ void Redacteur::atteinte(std::uint32_t p) {
         course(resolution_.tireur.course(p));
     else
         pas(chemin);
+    if (parCourse && borne == OMEGA) out_ << " *" << finale;
     out_ << '\n';
 }
 

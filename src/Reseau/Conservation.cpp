@@ -18,7 +18,7 @@ bool sommeConstante(const Net& net) {
 /// The weights are 1 + y with y >= 0; for each transition the weighted effect is at least and at most zero.
 bool conservatif(const Net& net) {
     constexpr std::uint64_t CASES = 1'000'000;
-    constexpr std::uint64_t TRAVAIL = 100'000'000;
+    constexpr std::uint64_t TRAVAIL = 20'000'000;
     const std::uint64_t cases = (net.places.size() + 1) * (2 * net.transitions.size() + 1);
     if (cases > CASES) return false;
     std::uint64_t travail = TRAVAIL;

@@ -150,6 +150,7 @@ bool Majorants::traiter(Question& q, std::uint32_t numero) {
     const Simplexe& s = *q.noeuds[numero].programme;
     const bool infinie = q.noeuds[numero].borne == INFINI;
     std::optional<Cas> cas = contradiction(s, infinie);
+    if (!cas && infinie) pomper(s, q);
     if (!cas && !infinie) {
         const std::optional<Simplexe> moindre = moindresTirs(s, q);
         if (moindre) cas = contradiction(*moindre, false);
@@ -198,6 +199,30 @@ void Majorants::ouvrir(Question& q, std::uint32_t parent, std::vector<Contrainte
         q.plafond = std::max(q.plafond, noeud.borne);
     }
     q.noeuds.push_back(std::move(noeud));
+}
+
+/// There is no largest value: looks for a run that goes along the ray on which it grows, a few times, so that what can
+/// be repeated shows.
+void Majorants::pomper(const Simplexe& s, const Question& q) {
+    if (q.tireur == nullptr) return;
+    constexpr Large FOIS = 4;
+    const auto transitions = static_cast<std::uint32_t>(net_.transitions.size());
+    Large commun = 1;
+    for (std::uint32_t t = 0; t < transitions; ++t) {
+        const Large d = s.croissance(t).denominateur;
+        if (__builtin_mul_overflow(commun, commun % d == 0 ? 1 : d, &commun) || commun > OMEGA / FOIS) return;
+    }
+    std::vector<Compte> comptes(transitions);
+    for (std::uint32_t t = 0; t < transitions; ++t) {
+        const Fraction c = s.croissance(t);
+        Large tirs = 0;
+        if (__builtin_mul_overflow(c.numerateur, FOIS * commun / c.denominateur, &tirs) ||
+            __builtin_add_overflow(tirs, s.valeur(t).plancher(), &tirs) || tirs >= OMEGA)
+            return;
+        comptes[t] = static_cast<Compte>(tirs);
+    }
+    for (const std::uint32_t p : q.places)
+        if (s.croissance(transitions + p).numerateur > 0) return q.tireur->realiser(comptes, p, OMEGA);
 }
 
 /// What the solution fires that no run does: out of a place that is never marked, or too early.

@@ -62,6 +62,7 @@ private:
     void chercher(Question& q);
     void ouvrir(Question& q, std::uint32_t parent, std::vector<Contrainte> contraintes);
     bool traiter(Question& q, std::uint32_t numero);
+    void pomper(const Simplexe& s, const Question& q);
     std::optional<Cas> contradiction(const Simplexe& s, bool infinie) const;
     std::vector<std::uint32_t> jamaisEntre(const std::vector<bool>& tirees) const;
     std::optional<Cas> jamaisQuitte(const Simplexe& s, const std::vector<bool>& tirees) const;

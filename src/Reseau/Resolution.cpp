@@ -34,6 +34,7 @@ void Resolution::finir(const Options& options) {
         majorants.emplace(net_);
         for (unsigned effort = 0; effort < EFFORTS; ++effort) {
             if (options.verdictSeul ? majorerEnsemble(effort) : majorer(effort)) return;
+            if (options.verdictSeul && !bornee()) return;
             const std::uint64_t plus = std::max(options.essai, MINIMUM) << (3 * (effort + 1));
             if (couverture.explorer(plus, options.verdictSeul)) return;
         }
@@ -46,7 +47,8 @@ bool Resolution::majorerEnsemble(unsigned effort) {
     std::vector<std::uint32_t> places(net_.places.size());
     std::iota(places.begin(), places.end(), 0U);
     std::uint64_t depense = 0;
-    ensemble = majorants->majorer(places, TOUT, nullptr, effort, depense);
+    tireur.accorder(QUESTIONS * Majorants::travail(effort) / 2);
+    ensemble = majorants->majorer(places, TOUT, &tireur, effort, depense);
     return ensemble.has_value();
 }
 
@@ -57,12 +59,13 @@ bool Resolution::majorer(unsigned effort) {
     std::uint64_t depense = 0;
     tireur.accorder(QUESTIONS * Majorants::travail(effort) / 2);
     for (std::uint32_t p = 0; p < net_.places.size(); ++p) {
-        if (couverture.maxima()[p] == OMEGA || (majorations[p] && majorations[p]->borne == borne(p))) continue;
+        if (borne(p) == OMEGA || (majorations[p] && majorations[p]->borne == borne(p))) continue;
         if (depense > QUESTIONS * Majorants::travail(effort)) break;
         std::optional<Majoration> neuve = majorants->majorer({p}, borne(p), &tireur, effort, depense);
         if (neuve && (!majorations[p] || neuve->borne < majorations[p]->borne)) majorations[p] = std::move(neuve);
     }
     for (std::uint32_t p = 0; p < net_.places.size(); ++p) {
+        if (borne(p) == OMEGA) buts[p] = 0;
         if (!majorations[p] || majorations[p]->borne >= OMEGA) continue;
         buts[p] = static_cast<Compte>(majorations[p]->borne);
         if (borne(p) == buts[p]) buts[p] = 0;
@@ -78,7 +81,13 @@ Compte Resolution::borne(std::uint32_t place) const {
 bool Resolution::parCourse(std::uint32_t place) const { return tireur.minorants()[place] > couverture.maxima()[place]; }
 
 Creux Resolution::temoin(std::uint32_t place) const {
-    return parCourse(place) ? tireur.arrivee(tireur.course(place)) : couverture.temoin(place);
+    if (!parCourse(place)) return couverture.temoin(place);
+    Creux m = tireur.arrivee(tireur.course(place));
+    if (borne(place) != OMEGA) return m;
+    const std::vector<std::uint32_t>& monte = tireur.pompes()[tireur.pompe(place)].monte;
+    for (Poids& v : m)
+        if (std::ranges::binary_search(monte, v.place)) v.compte = OMEGA;
+    return m;
 }
 
 }  // namespace Reseau

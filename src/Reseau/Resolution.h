@@ -33,7 +33,7 @@ public:
     /// @throws Debordement, std::bad_alloc
     void finir(const Options& options);
 
-    bool bornee() const { return !couverture.nonBornee(); }
+    bool bornee() const { return !couverture.nonBornee() && tireur.pompes().empty(); }
     /// The bound of a place, OMEGA when there is none.
     Compte borne(std::uint32_t place) const;
     /// Whether a run of `tireur` reaches the bound, rather than a marking of `couverture`.

@@ -251,6 +251,14 @@ Simplexe::Forme Simplexe::multiplicateurs() const {
     return y;
 }
 
+Fraction Simplexe::croissance(Variable v) const {
+    const Lieu lieu = lieux_[v];
+    if (!lieu.enBase) return {lieu.index == temoin_ ? 1 : 0, 1};
+    const Ligne& ligne = lignes_[lieu.index];
+    const Large g = pgcd(absolu(ligne[temoin_]), ligne.denominateur);
+    return {ligne[temoin_] / g, ligne.denominateur / g};
+}
+
 bool Simplexe::grandit(Variable v) const {
     const Lieu lieu = lieux_[v];
     if (!lieu.enBase) return lieu.index == temoin_;

@@ -63,6 +63,8 @@ public:
     /// After IMPOSSIBLE: those with sum of y[v] * v = a negative number.
     /// Only variables with a multiplier that is not 0 are listed.
     Forme multiplicateurs() const;
+    /// After INFINI: how much the variable grows along a ray on which there is no largest value.
+    Fraction croissance(Variable v) const;
     /// After INFINI: whether the variable grows, or is positive already.
     bool grandit(Variable v) const;
 

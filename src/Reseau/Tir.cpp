@@ -262,6 +262,32 @@ void Tireur::noter(const Bloc& bloc) {
             origines_[e.place] = {courses_.size(), course_.size()};
             progres_ = true;
         }
+    pomper(bloc);
+}
+
+/// Sees whether a block that has just been gone through can be repeated for ever and adds something.
+void Tireur::pomper(const Bloc& bloc) {
+    oublier();
+    for (auto e = bloc.elans.rbegin(); e != bloc.elans.rend(); ++e) prefixer(*e);
+    Pompe pompe{courses_.size(), course_.size(), {}, {}};
+    bool neuve = false;
+    std::ranges::sort(touchees_);
+    touchees_.erase(std::ranges::unique(touchees_).begin(), touchees_.end());
+    for (const std::uint32_t p : touchees_) {
+        if (effet_[p] < 0) return oublier();
+        if (besoin_[p] > 0) pompe.besoin.push_back({p, besoin_[p]});
+        if (effet_[p] == 0) continue;
+        pompe.monte.push_back(p);
+        neuve = neuve || minorants_[p] != OMEGA;
+    }
+    oublier();
+    if (!neuve) return;
+    for (const std::uint32_t p : pompe.monte) {
+        minorants_[p] = OMEGA;
+        origines_[p] = {pompe.course, pompe.blocs, pompes_.size()};
+    }
+    pompes_.push_back(std::move(pompe));
+    progres_ = true;
 }
 
 void Tireur::adopter(Course course) {
@@ -311,10 +337,11 @@ bool Tireur::detour(bool deplacements) {
     return false;
 }
 
-Course Tireur::course(std::uint32_t place) const {
-    const Origine o = origines_[place];
-    const Course& entiere = courses_[o.course];
-    return {entiere.begin(), entiere.begin() + static_cast<std::ptrdiff_t>(o.blocs)};
+Course Tireur::course(std::uint32_t place) const { return course(origines_[place].course, origines_[place].blocs); }
+
+Course Tireur::course(std::size_t course, std::size_t blocs) const {
+    const Course& entiere = courses_[course];
+    return {entiere.begin(), entiere.begin() + static_cast<std::ptrdiff_t>(blocs)};
 }
 
 /// Fires a transition `fois` times in a row; it moves every place by the same amount each time, so when it is enabled

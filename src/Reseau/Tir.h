@@ -32,7 +32,21 @@ public:
 
     /// The largest count reached so far, by place.
     const std::vector<Compte>& minorants() const { return minorants_; }
-    /// A run that ends with minorants()[place] tokens in `place`.
+    /// A block that takes nothing and adds something, at the end of a run that has been found.
+    struct Pompe {
+        std::size_t course;
+        std::size_t blocs;                 // of that run, with it
+        Creux besoin;                      // what it needs to be gone through
+        std::vector<std::uint32_t> monte;  // the places that it raises
+    };
+    /// The pumps found; what one raises has the minorant OMEGA.
+    const std::vector<Pompe>& pompes() const { return pompes_; }
+    /// The pump that raises a place whose minorant is OMEGA.
+    std::size_t pompe(std::uint32_t place) const { return origines_[place].pompe; }
+    /// A run that ends with a pump, gone through once or more.
+    Course course(const Pompe& pompe) const { return course(pompe.course, pompe.blocs); }
+
+    /// A run that ends with minorants()[place] tokens in `place`, or with the pump that raises it.
     Course course(std::uint32_t place) const;
     /// The marking at the end of a run from the initial marking. It is worked out step by step, not taken from the
     /// search.
@@ -43,8 +57,11 @@ private:
     struct Origine {
         std::size_t course;
         std::size_t blocs;
+        std::size_t pompe = 0;
     };
 
+    Course course(std::size_t course, std::size_t blocs) const;
+    void pomper(const Bloc& bloc);
     void noter(const Bloc& bloc);
     bool essayer(const std::vector<Compte>& comptes, std::uint64_t graine);
     bool depenser(std::uint64_t travail);
@@ -67,6 +84,7 @@ private:
     std::vector<Compte> minorants_;
     std::vector<Origine> origines_;
     std::vector<Course> courses_;
+    std::vector<Pompe> pompes_;
     std::uint64_t travail_ = 0;  // what all calls may still spend together
 
     // The attempt under way.

@@ -97,6 +97,35 @@ std::string fausse(const std::string& avant, const std::string& apres, const Res
     return ou == std::string::npos ? r : r.replace(ou, avant.size(), apres);
 }
 
+/// Proofs by the order of the token's firings, by where the token ends, and by a pump at the end of a run in bulk.
+TEST(Certificat, ProofsOfNetsWithBillionsOfTokensAreAccepted) {
+    const std::string parLaFin =
+        "tr i q0 -> q1 a*51 b*8224880\ntr a q1 -> q2\ntr b q2 b -> q1 c*2\ntr c q2 a*2 -> q3 b\n"
+        "tr d q3 b*3 -> q1 c*2\npl q0 (1)\n";
+    const std::string pompe =
+        "tr i q0 -> q1 a*1000000000\ntr a q1 a -> q4\ntr b q4 -> q1 b\ntr c q1 b*1000000000 -> q2\n"
+        "tr d q2 -> q3\ntr e q3 -> q2 c*2\ntr f q2 c -> q2 d\npl q0 (1)\n";
+    for (const std::string& net : {parLaFin, pompe})
+        for (const bool verdictSeul : {false, true}) {
+            const std::string r = rapport(net, {.verdictSeul = verdictSeul, .preuves = true, .essai = 10});
+            EXPECT_EQ(essai::verifier(net, r, verdictSeul), "") << net << r;
+        }
+    const Reseau::Options options{.preuves = true, .essai = 10};
+    const std::string r = rapport(parLaFin, options);
+    EXPECT_NE(r.find("departure "), std::string::npos) << r;
+    const auto fausser = [&](const std::string& avant, const std::string& apres) {
+        std::string faux = r;
+        const std::size_t ou = faux.find(avant);
+        EXPECT_NE(ou, std::string::npos) << avant;
+        return ou == std::string::npos ? r : faux.replace(ou, avant.size(), apres);
+    };
+    EXPECT_NE(essai::verifier(parLaFin, fausser("token q0", "token a"), false), "");
+    EXPECT_NE(essai::verifier(parLaFin, fausser("departure 1 q3", "departure 1 q1"), false), "");
+    std::string sansBulk = rapport(pompe, options);
+    sansBulk.replace(sansBulk.find("cycle"), 5, "cycle a");
+    EXPECT_NE(essai::verifier(pompe, sansBulk, false), "");
+}
+
 TEST(Certificat, TheCheckerAcceptsWhatIsTrueAndRejectsEveryFalsifiedLine) {
     const Reseau::Options parEquation{.preuves = true, .essai = 0};
     const Reseau::Options parEnsemble{.preuves = true, .essai = 100000};

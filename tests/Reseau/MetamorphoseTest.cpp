@@ -162,4 +162,16 @@ TEST(GrandsComptes, LoopsOfANodeThatIsNotVisitedCountForNothing) {
     EXPECT_EQ(b.at("mc"), 0);
 }
 
+/// What must be taken one by one before, or gathered before, is taken and gathered in bulk.
+TEST(GrandsComptes, ANetThatCanGrowOnlyAfterABillionFiringsIsFoundUnbounded) {
+    for (const char* suite : {"tr c q1 b*1000000000 -> q2\ntr d q2 -> q2 c\n",
+                              "tr c q1 b*1000000000 -> q2\ntr d q2 -> q3\ntr e q3 -> q2 c*2\ntr f q2 c -> q2 d\n"}) {
+        const Bornes b =
+            bornes(std::string("tr i q0 -> q1 a*1000000000\ntr a q1 a -> q4\ntr b q4 -> q1 b\npl q0 (1)\n") + suite);
+        EXPECT_EQ(b.at("a"), 1000000000);
+        EXPECT_EQ(b.at("b"), 1000000000);
+        EXPECT_EQ(b.at("c"), Reseau::OMEGA);
+    }
+}
+
 }  // namespace
