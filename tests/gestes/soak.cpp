@@ -44,6 +44,9 @@ int main(int argc, char* argv[]) {
     const int minutes = argc > 1 ? std::stoi(argv[1]) : 10;
     Toolkit toolkit;
     toolkit.SetUp();
+    // The toolkit keeps a copy of a symbolic icon for each colour in which it was ever shown, so also for those of a
+    // fading.
+    Gtk::Settings::get_default()->property_gtk_enable_animations() = false;
     std::ostream out(std::cout.rdbuf(nullptr));  // the program's traces go nowhere
     const Folder folder;
     Editor editor(folder);
