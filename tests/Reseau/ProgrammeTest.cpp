@@ -208,9 +208,7 @@ TEST(Programme, ASignalEndsItAtOnceWithAMessageAndItsStatus) {
     verifierInterruption(SIGTERM, false);
 }
 
-TEST(Programme, ASignalEndsItAtOnceWhenSeveralThreadsRun) {
-    verifierInterruption(SIGTERM, true);
-}
+TEST(Programme, ASignalEndsItAtOnceWhenSeveralThreadsRun) { verifierInterruption(SIGTERM, true); }
 
 #ifndef __SANITIZE_ADDRESS__  // which needs more address space than any limit leaves
 TEST(Programme, OutOfMemoryIsAnErrorAndNeverAVerdict) {
