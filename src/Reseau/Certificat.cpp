@@ -107,10 +107,10 @@ void Redacteur::nonBornee() {
         out_ << " cycle";
         pas(resolution_.couverture.accelerations()[0].pas);
     } else {
-        const Course run = resolution_.tireur.course(resolution_.tireur.pompes()[0]);
-        course(run);
+        const Tireur::Pompe& pompe = resolution_.tireur.pompes()[0];
+        course(resolution_.tireur.tige(pompe));
         out_ << " cycle";
-        course({{run.back().elans, 1}});
+        course(resolution_.tireur.cycle(pompe));
     }
     out_ << '\n';
 }
@@ -126,7 +126,7 @@ std::size_t Redacteur::pompe(std::size_t numero) {
     out_ << " needs";
     marquage(pompe.besoin);
     out_ << " by";
-    course({{resolution_.tireur.course(pompe).back().elans, 1}});
+    course(resolution_.tireur.cycle(pompe));
     out_ << '\n';
     return numero;
 }

@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::uint64_t CASES_DENSES = 300'000;         // places times transitions
 constexpr std::uint64_t TRAVAIL = 4'000'000;            // entries of the dictionary rewritten for one question
+constexpr std::uint64_t PART = 8;                       // of it that one search of a run may take
 constexpr std::size_t NOEUDS = 64;                      // of one search
 constexpr std::uint64_t CASES_EN_MEMOIRE = 10'000'000;  // of the dictionaries of all open cases
 constexpr Large INFINI = static_cast<Large>(1) << 126;
@@ -62,7 +63,8 @@ struct Majorants::Question {
     Simplexe::Forme forme;
     Large minorant;
     Tireur* tireur;
-    std::size_t limite;  // of nodes
+    std::uint64_t parCourse;  // what one search of a run may cost
+    std::size_t limite;       // of nodes
     std::vector<Noeud> noeuds;
     std::priority_queue<std::pair<Large, std::uint32_t>> ouverts;  // by bound; the newest first among equals
     Large plafond = -1;  // the largest bound of the cases that are not refined any more
@@ -83,7 +85,7 @@ std::optional<Majoration> Majorants::majorer(const std::vector<std::uint32_t>& p
                                              unsigned effort, std::uint64_t& depense) {
     if (places.size() == 1)
         if (auto connue = parInvariant(places[0], minorant)) return connue;
-    Question q{places, {}, minorant, tireur, NOEUDS << (2 * effort), {}, {}};
+    Question q{places, {}, minorant, tireur, travail(effort) / PART, NOEUDS << (2 * effort), {}, {}};
     for (const std::uint32_t p : places)
         q.forme.emplace_back(static_cast<Simplexe::Variable>(net_.transitions.size()) + p, 1);
     travail_ = travail(effort);
@@ -221,8 +223,16 @@ void Majorants::pomper(const Simplexe& s, const Question& q) {
             return;
         comptes[t] = static_cast<Compte>(tirs);
     }
-    for (const std::uint32_t p : q.places)
-        if (s.croissance(transitions + p).numerateur > 0) return q.tireur->realiser(comptes, p, OMEGA);
+    const auto pousse =
+        std::ranges::find_if(q.places, [&](std::uint32_t p) { return s.croissance(transitions + p).numerateur > 0; });
+    if (pousse == q.places.end()) return;
+    Large but = net_.initial[*pousse];
+    for (std::uint32_t t = 0; t < transitions; ++t) {
+        const Large plus = static_cast<Large>(valeur(net_.transitions[t].effet, *pousse)) * comptes[t];
+        if (__builtin_add_overflow(but, plus, &but)) return;
+    }
+    courir(q, comptes, *pousse, static_cast<Compte>(std::min<Large>(but, OMEGA - 1)));
+    q.tireur->pomper();
 }
 
 /// What the solution fires that no run does: out of a place that is never marked, or too early.
@@ -342,6 +352,19 @@ std::optional<Simplexe> Majorants::moindresTirs(const Simplexe& s, const Questio
     }
 }
 
+/// Looks for a run with these counts that ends with `but` tokens in `place`.
+void Majorants::courir(const Question& q, const std::vector<Compte>& comptes, std::uint32_t place, Compte but) {
+    if (!promenade_) return q.tireur->realiser(comptes, place, but);
+    const std::uint64_t accorde = std::min(travail_, q.parCourse);
+    std::uint64_t reste = accorde;
+    try {
+        if (auto course = promenade_->chercher(comptes, place, but, reste)) q.tireur->adopter(std::move(*course));
+    } catch (const Debordement&) {
+        // A count on the way does not fit; it says nothing about the others.
+    }
+    travail_ -= accorde - reste;
+}
+
 /// Looks for runs with the counts of a solution.
 /// @return false when they are no integers and nothing was looked for
 bool Majorants::realiser(const Simplexe& s, Question& q) {
@@ -354,13 +377,8 @@ bool Majorants::realiser(const Simplexe& s, Question& q) {
     }
     const auto but = static_cast<Compte>(
         std::min<Large>(s.valeur(static_cast<Simplexe::Variable>(comptes.size()) + q.places[0]).plancher(), OMEGA - 1));
-    if (!promenade_) {
-        q.tireur->realiser(comptes, q.places[0], but);
-    } else {
-        if (!entiers) return false;
-        if (auto course = promenade_->chercher(comptes, q.places[0], but, travail_))
-            q.tireur->adopter(std::move(*course));
-    }
+    if (promenade_ && !entiers) return false;
+    courir(q, comptes, q.places[0], but);
     q.minorant = std::max<Large>(q.minorant, q.tireur->minorants()[q.places[0]]);
     return true;
 }

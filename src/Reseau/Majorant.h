@@ -69,6 +69,7 @@ private:
     std::optional<Cas> fraction(const Simplexe& s) const;
     std::optional<Cas> finDuJeton(const Simplexe& s) const;
     std::optional<Simplexe> moindresTirs(const Simplexe& s, const Question& q) const;
+    void courir(const Question& q, const std::vector<Compte>& comptes, std::uint32_t place, Compte but);
     bool realiser(const Simplexe& s, Question& q);
     Cas clore(const Simplexe& s, const std::vector<Simplexe::Variable>& contraintes, Simplexe::Issue issue) const;
     void rediger(const Question& q, std::uint32_t numero, Large borne, std::vector<Cas>& preuve) const;

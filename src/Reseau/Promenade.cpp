@@ -45,6 +45,9 @@ std::optional<Course> Promenade::chercher(const std::vector<Compte>& comptes, st
     place_ = place;
     but_ = but;
     travail_ = &travail;
+    std::ranges::fill(besoin_, 0);
+    std::ranges::fill(effet_, 0);
+    std::ranges::fill(parTour_, 0);
     for (const auto& [largeur, credit] : ESSAIS) {
         credit_ = credit;
         if (auto trouvee = balayer(comptes, largeur)) return trouvee;

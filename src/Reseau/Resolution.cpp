@@ -16,7 +16,7 @@ constexpr std::uint64_t MINIMUM =
     100;  // markings expanded in the first exploration, as far as the next ones depend on it
 constexpr unsigned EFFORTS = 3;
 constexpr std::uint64_t QUESTIONS = 8;  // that may use up all their effort before the exploration has its turn
-constexpr Large TOUT = static_cast<Large>(1) << 126;  // any finite bound is good enough
+constexpr Large TOUT = static_cast<Large>(1) << 125;  // any finite bound is good enough
 
 }  // namespace
 

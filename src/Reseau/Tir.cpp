@@ -262,32 +262,36 @@ void Tireur::noter(const Bloc& bloc) {
             origines_[e.place] = {courses_.size(), course_.size()};
             progres_ = true;
         }
-    pomper(bloc);
 }
 
-/// Sees whether a block that has just been gone through can be repeated for ever and adds something.
-void Tireur::pomper(const Bloc& bloc) {
-    oublier();
-    for (auto e = bloc.elans.rbegin(); e != bloc.elans.rend(); ++e) prefixer(*e);
-    Pompe pompe{courses_.size(), course_.size(), {}, {}};
-    bool neuve = false;
-    std::ranges::sort(touchees_);
-    touchees_.erase(std::ranges::unique(touchees_).begin(), touchees_.end());
-    for (const std::uint32_t p : touchees_) {
-        if (effet_[p] < 0) return oublier();
-        if (besoin_[p] > 0) pompe.besoin.push_back({p, besoin_[p]});
-        if (effet_[p] == 0) continue;
-        pompe.monte.push_back(p);
-        neuve = neuve || minorants_[p] != OMEGA;
+/// Compares the end of the last run with the markings after each of its blocks: where one is covered, what comes after
+/// it can be repeated for ever.
+void Tireur::pomper() {
+    const std::size_t numero = courses_.size() - 1;
+    const Course& run = courses_[numero];
+    std::vector<std::vector<Compte>> marquages{net_.initial};
+    for (const Bloc& bloc : run) {
+        marquages.push_back(marquages.back());
+        for (const Elan& e : bloc.elans)
+            appliquer(net_.transitions[e.transition], produit(e.fois, bloc.fois), marquages.back());
     }
-    oublier();
-    if (!neuve) return;
-    for (const std::uint32_t p : pompe.monte) {
-        minorants_[p] = OMEGA;
-        origines_[p] = {pompe.course, pompe.blocs, pompes_.size()};
+    const std::vector<Compte>& fin = marquages.back();
+    for (std::size_t i = run.size(); i-- > 0;) {
+        Pompe pompe{numero, i, {}, {}};
+        bool couverte = true;
+        for (std::uint32_t p = 0; p < fin.size() && couverte; ++p) {
+            couverte = marquages[i][p] <= fin[p];
+            if (marquages[i][p] > 0) pompe.besoin.push_back({p, marquages[i][p]});
+            if (marquages[i][p] < fin[p]) pompe.monte.push_back(p);
+        }
+        const auto neuve = [this](std::uint32_t p) { return minorants_[p] != OMEGA; };
+        if (!couverte || std::ranges::none_of(pompe.monte, neuve)) continue;
+        for (const std::uint32_t p : pompe.monte) {
+            minorants_[p] = OMEGA;
+            origines_[p] = {numero, run.size(), pompes_.size()};
+        }
+        pompes_.push_back(std::move(pompe));
     }
-    pompes_.push_back(std::move(pompe));
-    progres_ = true;
 }
 
 void Tireur::adopter(Course course) {
@@ -337,11 +341,20 @@ bool Tireur::detour(bool deplacements) {
     return false;
 }
 
-Course Tireur::course(std::uint32_t place) const { return course(origines_[place].course, origines_[place].blocs); }
+Course Tireur::course(std::uint32_t place) const {
+    const Origine o = origines_[place];
+    const Course& entiere = courses_[o.course];
+    return {entiere.begin(), entiere.begin() + static_cast<std::ptrdiff_t>(o.blocs)};
+}
 
-Course Tireur::course(std::size_t course, std::size_t blocs) const {
-    const Course& entiere = courses_[course];
-    return {entiere.begin(), entiere.begin() + static_cast<std::ptrdiff_t>(blocs)};
+Course Tireur::cycle(const Pompe& pompe) const {
+    const Course& entiere = courses_[pompe.course];
+    return {entiere.begin() + static_cast<std::ptrdiff_t>(pompe.debut), entiere.end()};
+}
+
+Course Tireur::tige(const Pompe& pompe) const {
+    const Course& entiere = courses_[pompe.course];
+    return {entiere.begin(), entiere.begin() + static_cast<std::ptrdiff_t>(pompe.debut)};
 }
 
 /// Fires a transition `fois` times in a row; it moves every place by the same amount each time, so when it is enabled

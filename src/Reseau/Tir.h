@@ -32,19 +32,22 @@ public:
 
     /// The largest count reached so far, by place.
     const std::vector<Compte>& minorants() const { return minorants_; }
-    /// A block that takes nothing and adds something, at the end of a run that has been found.
+    /// Looks for pumps in the last run that has reached something new.
+    void pomper();
+    /// The end of a run that takes nothing and adds something, so that it can be repeated for ever.
     struct Pompe {
         std::size_t course;
-        std::size_t blocs;                 // of that run, with it
-        Creux besoin;                      // what it needs to be gone through
+        std::size_t debut;                 // the first of its blocks
+        Creux besoin;                      // what it is gone through from
         std::vector<std::uint32_t> monte;  // the places that it raises
     };
     /// The pumps found; what one raises has the minorant OMEGA.
     const std::vector<Pompe>& pompes() const { return pompes_; }
-    /// The pump that raises a place whose minorant is OMEGA.
+    /// The number of the pump that raises a place whose minorant is OMEGA.
     std::size_t pompe(std::uint32_t place) const { return origines_[place].pompe; }
-    /// A run that ends with a pump, gone through once or more.
-    Course course(const Pompe& pompe) const { return course(pompe.course, pompe.blocs); }
+    /// What a pump repeats, and the run that leads to it.
+    Course cycle(const Pompe& pompe) const;
+    Course tige(const Pompe& pompe) const;
 
     /// A run that ends with minorants()[place] tokens in `place`, or with the pump that raises it.
     Course course(std::uint32_t place) const;
@@ -60,8 +63,6 @@ private:
         std::size_t pompe = 0;
     };
 
-    Course course(std::size_t course, std::size_t blocs) const;
-    void pomper(const Bloc& bloc);
     void noter(const Bloc& bloc);
     bool essayer(const std::vector<Compte>& comptes, std::uint64_t graine);
     bool depenser(std::uint64_t travail);
