@@ -234,7 +234,7 @@ std::uint32_t Antichaine::nouvelleFeuille() {
 
 /// The place and the threshold that split these members, or some of them when they are many, most evenly.
 Antichaine::Coupe Antichaine::meilleureCoupe(Membres::iterator debut, Membres::iterator fin) const {
-    const auto pas = static_cast<std::size_t>(fin - debut) / (2 * CAPACITE) + 1;
+    const auto pas = static_cast<std::size_t>(fin - debut) / (std::size_t{2} * CAPACITE) + 1;
     std::vector<Compte> comptes;
     Coupe choix{FEUILLE, 0, static_cast<std::size_t>(fin - debut)};
     for (std::uint32_t p = 0; p < champs_->places(); ++p) {

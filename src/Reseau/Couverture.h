@@ -101,8 +101,8 @@ private:
     struct Rang {
         std::uint32_t omegas;
         std::uint64_t jetons;
-        std::uint32_t marquees;  // places
-        auto operator<=>(const Rang&) const = default;
+        std::uint32_t marquees;                         // places
+        auto operator<=>(const Rang&) const = default;  // NOLINT(modernize-use-nullptr): of the generated code
     };
 
     void commencer();
