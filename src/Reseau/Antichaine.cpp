@@ -32,8 +32,9 @@ bool Antichaine::contient(const Mot* m) const {
     if (branches_.empty()) return false;
     std::uint32_t ici = 0;
     while (branches_[ici].place != FEUILLE) ici = vers(branches_[ici], m);
+    // The newest are asked for most.
     const Liasse& l = feuilles_[branches_[ici].suite];
-    for (std::uint32_t i = 0; i < l.taille(); ++i)
+    for (std::uint32_t i = l.taille(); i-- > 0;)
         if (champs_->egale(l.en(i, champs_->octets()), m)) return true;
     return false;
 }
@@ -81,7 +82,7 @@ void Antichaine::ajouter(const Mot* m) {
     const std::uint32_t ici = sousLaBranche(0, m);
     ++taille_;
     credit_ += CREDIT;
-    if (feuilles_[branches_[ici].suite].taille() > CAPACITE) {
+    if (feuilles_[branches_[ici].suite].taille() > branches_[ici].seuil) {
         const std::vector<std::uint32_t> chemin = chemin_;
         rebatir(ici);
         equilibrer(chemin);
@@ -172,7 +173,7 @@ void Antichaine::rebatir(std::uint32_t branche) {
         for (std::uint32_t i = 0; i < l.taille(); ++i) {
             champs_->reprendre(l.en(i, champs_->octets()), m.data());
             const std::uint32_t feuille = sousLaBranche(branche, m.data());
-            if (feuilles_[branches_[feuille].suite].taille() > CAPACITE) rebatir(feuille);
+            if (feuilles_[branches_[feuille].suite].taille() > branches_[feuille].seuil) rebatir(feuille);
         }
         l = Liasse();
     }
@@ -197,11 +198,13 @@ void Antichaine::batir(std::uint32_t branche, Membres::iterator debut, Membres::
     champs_->ranger(debut->data(), bornes_.en(branche) + champs_->octets());
     for (auto m = debut; m != fin; ++m) englober(branche, m->data());
     const auto nombre = static_cast<std::size_t>(fin - debut);
-    if (nombre == 1 || nombre * poids <= CAPACITE) {
-        branches_[branche] = {0, FEUILLE, nouvelleFeuille()};
+    const bool petite = nombre == 1 || nombre * poids <= CAPACITE;
+    const Coupe coupe = petite ? Coupe{FEUILLE, 0, nombre} : meilleureCoupe(debut, fin);
+    if (coupe.place == FEUILLE) {
+        const auto place = static_cast<Compte>(std::max<std::size_t>(CAPACITE, petite ? 0 : 2 * nombre * poids));
+        branches_[branche] = {place, FEUILLE, nouvelleFeuille()};
         return;
     }
-    const Coupe coupe = meilleureCoupe(debut, fin);
     const Branche neuve{coupe.seuil, coupe.place, nouvellePaire()};
     branches_[branche] = neuve;
     const auto milieu = std::partition(debut, fin, [&](const auto& m) { return vers(neuve, m.data()) == neuve.suite; });
@@ -232,7 +235,8 @@ std::uint32_t Antichaine::nouvelleFeuille() {
     return feuille;
 }
 
-/// The place and the threshold that split these members, or some of them when they are many, most evenly.
+/// The place and the threshold that split these members, or some of them when they are many, most evenly; no place when
+/// the smaller part would be too small.
 Antichaine::Coupe Antichaine::meilleureCoupe(Membres::iterator debut, Membres::iterator fin) const {
     const auto pas = static_cast<std::size_t>(fin - debut) / (std::size_t{2} * CAPACITE) + 1;
     std::vector<Compte> comptes;
@@ -246,7 +250,8 @@ Antichaine::Coupe Antichaine::meilleureCoupe(Membres::iterator debut, Membres::i
         const std::size_t nombre = comptes.size();
         for (std::size_t i = 1; i < nombre; ++i) {  // i members have less
             const std::size_t ecart = i * 2 > nombre ? i * 2 - nombre : nombre - i * 2;
-            if (comptes[i] != comptes[i - 1] && ecart < choix.ecart) choix = {p, comptes[i], ecart};
+            const bool divise = std::min(i, nombre - i) * MOINDRE >= nombre;
+            if (divise && comptes[i] != comptes[i - 1] && ecart < choix.ecart) choix = {p, comptes[i], ecart};
         }
         if (choix.ecart <= nombre % 2) break;
     }

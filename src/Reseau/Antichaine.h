@@ -4,9 +4,10 @@
 // A discrimination tree: an inner node splits the markings below it by "place p holds at least s", with p and s chosen
 // from the markings themselves so that the halves balance; the markings lie packed in the leaves. A query that is
 // covered in p has to look only on one side. Markings come in an order that can make the tree as deep as it is large;
-// then the subtree at fault is built anew (I. Galperin, R. Rivest, "Scapegoat trees", SODA 1993). Besides, every node
-// knows the join and the meet of what lies below it (the largest and the smallest count of each place, itself a packed
-// marking): a subtree is left out when its join does not cover the query, or its meet is not covered by it.
+// then the subtree at fault is built anew (I. Galperin, R. Rivest, "Scapegoat trees", SODA 1993). A leaf whose members
+// no cut divides better than one to sixteen stays whole until it is twice as large. Besides, every node knows the join
+// and the meet of what lies below it (the largest and the smallest count of each place, itself a packed marking): a
+// subtree is left out when its join does not cover the query, or its meet is not covered by it.
 #pragma once
 
 #include <cstdint>
@@ -46,12 +47,13 @@ public:
 private:
     static constexpr std::uint32_t FEUILLE = ~std::uint32_t{0};
     static constexpr std::uint32_t CAPACITE = 64;
+    static constexpr std::size_t MOINDRE = 16;      // of a cut, the smaller part: one of so many at least
     static constexpr std::uint32_t CLAIRSEME = 16;  // members of a leaf on average, below which the tree is built anew
     static constexpr std::size_t ECHANTILLON = 2048;  // members that decide how a subtree is built
     static constexpr std::uint64_t CREDIT = 8;        // members that may be moved for each one added
 
     struct Branche {
-        Compte seuil = 0;
+        Compte seuil = CAPACITE;  // of a leaf: how many members it holds before it is split
         std::uint32_t place = FEUILLE;
         // Of an inner node: the one below for those with less than `seuil`; that for the others follows it. Of a leaf:
         // its number in `feuilles_`.

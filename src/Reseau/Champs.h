@@ -35,10 +35,9 @@ public:
     std::size_t mots() const { return mots_.size(); }
     std::size_t octets() const { return octets_; }
 
-    Compte lire(const Mot* m, std::uint32_t p) const {
-        const Mot v = (m[champs_[p].mot] >> champs_[p].decalage) & champs_[p].masque;
-        return omegas_ && v == champs_[p].masque ? OMEGA : static_cast<Compte>(v);
-    }
+    Compte lire(const Mot* m, std::uint32_t p) const { return compte(m[champs_[p].mot], p); }
+    /// The same of a kept marking.
+    Compte lire(const std::uint8_t* garde, std::uint32_t p) const { return compte(mot(garde, champs_[p].mot), p); }
     /// @param c OMEGA or at most `plafond(p)`
     void poser(Mot* m, std::uint32_t p, Compte c) const {
         const Champ& champ = champs_[p];
@@ -107,6 +106,10 @@ private:
         Mot gardes = 0;
     };
 
+    Compte compte(Mot mot, std::uint32_t p) const {
+        const Mot v = (mot >> champs_[p].decalage) & champs_[p].masque;
+        return omegas_ && v == champs_[p].masque ? OMEGA : static_cast<Compte>(v);
+    }
     // The first byte of a kept marking is the lowest of its first word, on any machine.
     static Mot memoire(Mot mot) {
         if constexpr (std::endian::native == std::endian::big) return __builtin_bswap64(mot);

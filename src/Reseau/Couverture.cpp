@@ -238,16 +238,23 @@ void Couverture::elargir(const Manque& manque) {
     champs_ = std::move(champs);
 }
 
+template <class F>
+void Couverture::parcourir(F&& f) const {
+    if (enumeration_)
+        enumeration_->pourChaque(f);
+    else
+        antichaine_.pourChaque(f);
+}
+
 Creux Couverture::temoin(std::uint32_t place) const {
-    const Champs& champs = enumeration_ ? enumeration_->champs() : *champs_;
     std::vector<Mot> meilleur;
-    const auto examiner = [&](const Mot* m) {
-        if (champs.lire(m, place) != maxima_[place]) return;
-        const auto fin = m + champs.mots();
-        if (meilleur.empty() || champs.precede(m, meilleur.data())) meilleur.assign(m, fin);
-    };
-    parcourir(examiner);
-    return champs.creux(meilleur.data());
+    std::vector<Mot> m(champs().mots());
+    parcourir([&](const std::uint8_t* garde) {
+        if (champs().lire(garde, place) != maxima_[place]) return;
+        champs().reprendre(garde, m.data());
+        if (meilleur.empty() || champs().precede(m.data(), meilleur.data())) meilleur = m;
+    });
+    return champs().creux(meilleur.data());
 }
 
 std::vector<Pas> Couverture::chemin(const Creux& marquage) const {
@@ -257,20 +264,10 @@ std::vector<Pas> Couverture::chemin(const Creux& marquage) const {
 }
 
 void Couverture::pourChaqueMaximal(const std::function<void(const Creux&)>& f) const {
-    const Champs& champs = enumeration_ ? enumeration_->champs() : *champs_;
-    parcourir([&](const Mot* m) { f(champs.creux(m)); });
-}
-
-/// Calls f(words) for each maximal marking.
-void Couverture::parcourir(const std::function<void(const Mot*)>& f) const {
-    if (enumeration_) {
-        enumeration_->pourChaque(f);
-        return;
-    }
-    std::vector<Mot> m(champs_->mots());
-    antichaine_.pourChaque([&](const std::uint8_t* garde) {
-        champs_->reprendre(garde, m.data());
-        f(m.data());
+    std::vector<Mot> m(champs().mots());
+    parcourir([&](const std::uint8_t* garde) {
+        champs().reprendre(garde, m.data());
+        f(champs().creux(m.data()));
     });
 }
 

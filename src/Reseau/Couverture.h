@@ -121,7 +121,11 @@ private:
     bool depasse(const Mot* ancetre) const;
     void garder(std::uint32_t parent, std::uint32_t tir, std::vector<std::uint32_t> pompes);
     void elargir(const Manque& manque);
-    void parcourir(const std::function<void(const Mot*)>& f) const;
+    /// The layout of the maximal markings.
+    const Champs& champs() const { return enumeration_ ? enumeration_->champs() : *champs_; }
+    /// Calls f(kept marking) for each maximal marking.
+    template <class F>
+    void parcourir(F&& f) const;
 
     const Net& net_;
     unsigned fils_;

@@ -46,15 +46,10 @@ public:
     /// Markings that wait to be expanded.
     std::uint64_t enAttente() const { return attente_.taille(); }
 
-    /// Calls f(marking's words) for each marking found.
+    /// Calls f(kept marking) for each marking found.
     template <class F>
     void pourChaque(F&& f) const {
-        std::vector<Mot> mots(champs_.mots());
-        for (const Ensemble& e : sections_)
-            e.pourChaque(champs_, [&](const std::uint8_t* garde) {
-                champs_.reprendre(garde, mots.data());
-                f(mots.data());
-            });
+        for (const Ensemble& e : sections_) e.pourChaque(champs_, f);
     }
     const Champs& champs() const { return champs_; }
 
