@@ -108,7 +108,9 @@ void expectConsistentAnswers(const Net& net) {
     auto found = readBounds(text.str(), "");
     found.erase("");  // between two blanks
     EXPECT_EQ(found, bounds) << text.str();
-    EXPECT_EQ(text.str().find("not bounded"), std::string::npos);
+    const std::string verdict =
+        text.str().substr(0, text.str().find('\n'));  // places may be called "not" and "bounded"
+    EXPECT_EQ(verdict.find("not bounded"), std::string::npos);
 }
 
 }  // namespace
