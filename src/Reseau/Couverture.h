@@ -101,8 +101,9 @@ private:
     struct Rang {
         std::uint32_t omegas;
         std::uint64_t jetons;
-        std::uint32_t marquees;                         // places
-        auto operator<=>(const Rang&) const = default;  // NOLINT(modernize-use-nullptr): of the generated code
+        std::uint32_t marquees;  // places
+        // clang-tidy 14 reports the 0 of the comparison that the compiler makes up.
+        auto operator<=>(const Rang&) const = default;  // NOLINT(modernize-use-nullptr)
     };
 
     void commencer();
