@@ -37,8 +37,7 @@ class Files(editor.EditorTest):
         error.choose("Close")
 
     def leave_chooser(self):
-        self.klv.chooser()
-        self.klv.key("Escape")
+        self.klv.leave_chooser()
         self.klv.wait_no_dialog()
 
     # Save as

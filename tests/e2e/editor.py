@@ -497,17 +497,23 @@ class Editor:
             self.key("slash")  # brings the entry of the chooser for opening
             wait_for(lambda: self.chooser().entry == "/", "the chooser's entry")
         self.write(str(path))
-        self._confirm_file()
+        self._press_until_chooser_closes("Return")
 
-    def _confirm_file(self):
-        """Enter, until the chooser takes it: the toolkit loses what comes while it completes a name, 100 ms after a key."""
-        taken = lambda: not any(w.role == "file chooser" for w in self.dialogs(active=True))
+    def leave_chooser(self):
+        """Escape in the open chooser."""
+        self.chooser()
+        self._press_until_chooser_closes("Escape")
+
+    def _press_until_chooser_closes(self, key):
+        """A key, until the chooser takes it: while the toolkit completes a name, 100 ms after a key, Enter is lost and Escape
+        ends only the completion."""
+        closed = lambda: not any(w.role == "file chooser" for w in self.dialogs(active=True))
         time.sleep(0.2)
         for _ in range(3):
-            self.key("Return")
-            if happens(taken, 4):
+            self.key(key)
+            if happens(closed, 4):
                 return
-        raise AssertionError(f"the file chooser does not take Enter: {self.dialogs()}")
+        raise AssertionError(f"the file chooser does not take {key}: {self.dialogs()}")
 
     def open(self, path):
         self.key("ctrl+o")
