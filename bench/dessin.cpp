@@ -4,8 +4,6 @@
 #include <gtkmm.h>
 
 #include <cmath>
-#include <fstream>
-#include <iostream>
 #include <numbers>
 #include <random>
 #include <vector>
@@ -244,17 +242,3 @@ void pick(benchmark::State& state) {
 BENCHMARK(bareLoop)->Unit(benchmark::kMillisecond);
 BENCHMARK(repaint)->Unit(benchmark::kMillisecond);
 BENCHMARK(pick)->Unit(benchmark::kMillisecond);
-
-int main(int argc, char* argv[]) {
-    benchmark::Initialize(&argc, argv);
-    Gtk::Main toolkit(argc, argv);
-
-    // The traces of building the scene are not part of the report.
-    std::ostream report(std::cout.rdbuf());
-    std::ofstream nowhere("/dev/null");
-    std::cout.rdbuf(nowhere.rdbuf());
-    benchmark::ConsoleReporter reporter;
-    reporter.SetOutputStream(&report);
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    std::cout.rdbuf(report.rdbuf());
-}

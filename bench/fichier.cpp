@@ -5,7 +5,6 @@
 
 #include <cstdio>
 #include <fstream>
-#include <iostream>
 #include <string>
 
 #include "Controleur/Controleur.h"
@@ -65,16 +64,3 @@ void memoryOfLoad(benchmark::State& state) {
 // The memory first: the peak of the process must be that of its load.
 BENCHMARK(memoryOfLoad)->Arg(20000)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(loadClearSave)->Arg(10000)->Arg(20000)->Arg(40000)->Unit(benchmark::kMillisecond);
-
-int main(int argc, char* argv[]) {
-    benchmark::Initialize(&argc, argv);
-    Gtk::Main toolkit(argc, argv);
-
-    std::ostream report(std::cout.rdbuf());
-    std::ofstream nowhere("/dev/null");
-    std::cout.rdbuf(nowhere.rdbuf());
-    benchmark::ConsoleReporter reporter;
-    reporter.SetOutputStream(&report);
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    std::cout.rdbuf(report.rdbuf());
-}
