@@ -20,9 +20,10 @@ public:
     explicit Arbre(const Reseau::Net& net) : net_(net), resultat_{true, net.initial, 0} {}
 
     /// Depth first, with the path as an explicit stack: a marking and the transition to try next.
-    Resultat construire() {
+    std::optional<Resultat> construire(std::uint64_t limite) {
         entrer(net_.initial);
         while (!branche_.empty()) {
+            if (resultat_.noeuds > limite) return std::nullopt;
             if (branche_.back().prochaine == net_.transitions.size()) {
                 branche_.pop_back();
                 continue;
@@ -65,6 +66,8 @@ private:
 
 }  // namespace
 
-Resultat karpMiller(const Reseau::Net& net) { return Arbre(net).construire(); }
+std::optional<Resultat> karpMiller(const Reseau::Net& net, std::uint64_t limite) {
+    return Arbre(net).construire(limite);
+}
 
 }  // namespace etalon

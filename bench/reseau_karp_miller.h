@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
+#include <optional>
 #include <vector>
 
 #include "Reseau/Net.h"
@@ -15,6 +17,8 @@ struct Resultat {
     std::uint64_t noeuds;
 };
 
-Resultat karpMiller(const Reseau::Net& net);
+/// @return nothing when the tree has more than `limite` nodes
+std::optional<Resultat> karpMiller(const Reseau::Net& net,
+                                   std::uint64_t limite = std::numeric_limits<std::uint64_t>::max());
 
 }  // namespace etalon

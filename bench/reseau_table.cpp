@@ -55,7 +55,7 @@ void couvrir(const Reseau::Net& net, Mesure& m) {
 }
 
 void etalonner(const Reseau::Net& net, Mesure& m) {
-    const etalon::Resultat r = etalon::karpMiller(net);
+    const etalon::Resultat r = etalon::karpMiller(net).value();
     m = {.bornee = r.bornee, .noeuds = r.noeuds, .empreinte = empreinte(r.bornes)};
 }
 

@@ -1,16 +1,20 @@
 // The analyser against decisions that share nothing with it: forward search where the reachable markings are
 // few, the backward algorithm for everything else. A finite bound b is right when b is coverable and b + 1 is
-// not; an unbounded place must reach a count that the small nets here do not reach by accident.
+// not; an unbounded place must reach a count that the small nets here do not reach by accident. And against the
+// benchmark's yardstick, the plain tree of Karp and Miller, wherever that ends in time.
 //
 // 100,000 nets in all, each analysed in four ways. Each test takes a slice of them, so that each ends within seconds.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bitset>
+#include <map>
 #include <sstream>
 
 #include "Outils.h"
 #include "Reseau/Lecture.h"
 #include "Reseau/Reseau.h"
+#include "reseau_karp_miller.h"
 
 namespace {
 
@@ -21,6 +25,7 @@ struct Bilan {
     int bornes = 0;
     int places = 0;
     int indecis = 0;
+    int etalonnes = 0;
 };
 
 #ifdef __SANITIZE_ADDRESS__
@@ -28,9 +33,11 @@ constexpr int NETS = 250;  // the same nets under the sanitizers, but an eighth 
 #else
 constexpr int NETS = 2000;
 #endif
+constexpr int TRANCHES = 25;
 constexpr int BEAUCOUP = 12;
 constexpr std::size_t RECHERCHE = 1000;
 constexpr std::size_t BASE = 300;
+constexpr std::uint64_t ARBRE = 1000;
 
 /// Checks one bound by coverability; counts it as undecided when the backward basis grows too large.
 void verifierBorne(const essai::Net& net, int place, Reseau::Compte borne, Bilan& bilan) {
@@ -59,6 +66,12 @@ void verifier(const essai::Net& net, Bilan& bilan) {
     ASSERT_EQ(Reseau::analyser(lu, {.verdictSeul = true, .essai = 0}).bornee, bornee) << net.texte();
     ASSERT_EQ(rapport.bornes, autrement.bornes) << net.texte();
 
+    if (const auto etalon = etalon::karpMiller(lu, ARBRE)) {
+        ++bilan.etalonnes;
+        ASSERT_EQ(rapport.bornee, etalon->bornee) << net.texte();
+        ASSERT_EQ(rapport.bornes, etalon->bornes) << net.texte();
+    }
+
     std::vector<Reseau::Compte> bornes(static_cast<std::size_t>(net.places), 0);
     for (std::size_t p = 0; p < lu.places.size(); ++p)
         bornes[static_cast<std::size_t>(std::stoi(lu.places[p].substr(1)))] = rapport.bornes[p];
@@ -80,6 +93,7 @@ void verifierTranche(int tranche, Fabrique&& fabrique) {
     EXPECT_GT(bilan.bornes, NETS / 4) << "too few bounded nets to say anything";
     EXPECT_LT(bilan.bornes, NETS - NETS / 20) << "too few unbounded nets to say anything";
     EXPECT_LT(bilan.indecis, bilan.places / 100) << "too many bounds left unchecked";
+    EXPECT_GT(bilan.etalonnes, NETS * 3 / 4) << "too few nets beside the yardstick";
 }
 
 class NetsAuHasard : public testing::TestWithParam<int> {};
@@ -92,6 +106,35 @@ TEST_P(NetsAuHasard, BoundsOfNetsWithAControlTokenAreThoseOfSearchAndBackwardCov
     verifierTranche(GetParam() + 1000, essai::netDeReseauAuHasard);
 }
 
-INSTANTIATE_TEST_SUITE_P(Tranches, NetsAuHasard, testing::Range(0, 25));
+INSTANTIATE_TEST_SUITE_P(Tranches, NetsAuHasard, testing::Range(0, TRANCHES));
+
+/// Which of the features a net has: weights beyond 1, a source, zero weights, a self-loop, an isolated place.
+std::bitset<5> traits(const essai::Net& net) {
+    std::bitset<5> t;
+    t[2] = net.texte().find("*0") != std::string::npos;
+    std::vector<bool> touchees(static_cast<std::size_t>(net.places), false);
+    for (const auto& tr : net.transitions) {
+        t[1] = t[1] || std::ranges::max(tr.pre) == 0;
+        for (std::size_t p = 0; p < touchees.size(); ++p) {
+            touchees[p] = touchees[p] || tr.pre[p] > 0 || tr.post[p] > 0;
+            t[0] = t[0] || tr.pre[p] > 1 || tr.post[p] > 1;
+            t[3] = t[3] || (tr.pre[p] > 0 && tr.post[p] > 0);
+        }
+    }
+    t[4] = std::ranges::find(touchees, false) != touchees.end();
+    return t;
+}
+
+TEST(NetsAuHasard, EveryCombinationOfTheFeaturesIsAmongThem) {
+    std::map<unsigned long, int> nombre;
+    for (int tranche = 0; tranche < TRANCHES; ++tranche) {
+        Hasard h(static_cast<std::uint64_t>(tranche));
+        for (int i = 0; i < NETS; ++i) ++nombre[traits(essai::netAuHasard(h)).to_ulong()];
+    }
+    ASSERT_EQ(nombre.size(), 32U);
+    for (const auto& [combinaison, n] : nombre)
+        EXPECT_GT(n, NETS / 10) << std::bitset<5>(combinaison)
+                                << ", from the right: weights, sources, zeros, loops, isolated";
+}
 
 }  // namespace

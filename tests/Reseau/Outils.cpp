@@ -13,15 +13,15 @@
 
 namespace essai {
 
-std::string Net::texte() const {
+std::string Net::texte(long long facteur) const {
     std::ostringstream out;
     out << "net essai\n";
     const auto cote = [&](const std::vector<int>& poids, std::size_t t) {
         for (std::size_t p = 0; p < poids.size(); ++p) {
-            if (poids[p] == 1 && (p + t) % 2 == 0)
+            if (poids[p] * facteur == 1 && (p + t) % 2 == 0)
                 out << " p" << p;
-            else if (poids[p] > 0 || (p + t) % 7 == 0)
-                out << " p" << p << '*' << poids[p];
+            else if (poids[p] > 0 || (nuls && (p + t) % 3 == 0))
+                out << " p" << p << '*' << poids[p] * facteur;
         }
     };
     for (std::size_t t = 0; t < transitions.size(); ++t) {
@@ -31,28 +31,34 @@ std::string Net::texte() const {
         cote(transitions[t].post, t);
         out << '\n';
     }
-    for (std::size_t p = 0; p < initial.size(); ++p) out << "pl p" << p << " (" << initial[p] << ")\n";
+    for (std::size_t p = 0; p < initial.size(); ++p) out << "pl p" << p << " (" << initial[p] * facteur << ")\n";
     return out.str();
 }
 
 Net netAuHasard(Hasard& h) {
     Net net;
+    net.nuls = tirer(h, 2) == 0;
     net.places = 1 + tirer(h, 5);
     const auto n = static_cast<std::size_t>(net.places);
     for (std::size_t p = 0; p < n; ++p) net.initial.push_back(tirer(h, 3) == 0 ? tirer(h, 4) : tirer(h, 2));
     const int arcs = 1 + tirer(h, 3);
+    const int plusLourd = 1 + tirer(h, 3);
     // Half of the nets put no more tokens than they take, or they would hardly ever be bounded.
     const bool econome = tirer(h, 2) == 0;
     for (int t = tirer(h, 7); t > 0; --t) {
         Net::Transition tr{std::vector<int>(n, 0), std::vector<int>(n, 0)};
         int pris = 0;
         for (int a = tirer(h, arcs + 1); a > 0; --a) {
-            const int poids = tirer(h, 3) == 0 ? 1 + tirer(h, 3) : 1;
+            const int poids = tirer(h, 3) == 0 ? 1 + tirer(h, plusLourd) : 1;
             tr.pre[static_cast<std::size_t>(tirer(h, net.places))] += poids;
             pris += poids;
         }
+        if (pris > 0 && tirer(h, 4) == 0) {
+            ++tr.post[static_cast<std::size_t>(std::ranges::max_element(tr.pre) - tr.pre.begin())];
+            --pris;
+        }
         for (int a = tirer(h, arcs + 1); a > 0; --a) {
-            const int poids = tirer(h, 3) == 0 ? 1 + tirer(h, 3) : 1;
+            const int poids = tirer(h, 3) == 0 ? 1 + tirer(h, plusLourd) : 1;
             if (econome && poids > pris) break;
             pris -= poids;
             tr.post[static_cast<std::size_t>(tirer(h, net.places))] += poids;
@@ -66,6 +72,7 @@ Net netDeReseauAuHasard(Hasard& h) {
     const int noeuds = 1 + tirer(h, 3);
     const int molecules = 1 + tirer(h, 3);
     Net net;
+    net.nuls = tirer(h, 2) == 0;
     net.places = 1 + noeuds + molecules;
     const auto n = static_cast<std::size_t>(net.places);
     net.initial.assign(n, 0);

@@ -20,10 +20,11 @@ struct Net {
         std::vector<int> post;
     };
     std::vector<Transition> transitions;
+    bool nuls = false;  ///< whether the text holds arcs of weight zero
 
-    /// In the analyser's format, places "p0", "p1", ...; weights 1 with and without "*1", zeros as "*0" now
-    /// and then.
-    std::string texte() const;
+    /// In the analyser's format, places "p0", "p1", ...; weights 1 with and without "*1"; all weights and counts times
+    /// `facteur`.
+    std::string texte(long long facteur = 1) const;
 };
 
 using Hasard = std::mt19937_64;
@@ -31,8 +32,8 @@ using Hasard = std::mt19937_64;
 /// A number from 0 to n - 1.
 inline int tirer(Hasard& h, int n) { return static_cast<int>(h() % static_cast<std::uint64_t>(n)); }
 
-/// A random net of 1 to 5 places and 0 to 6 transitions with weights to 3, sources, sinks, self-loops and
-/// isolated places.
+/// A random net of 1 to 5 places and 0 to 6 transitions with weights to 3, sources, sinks, zero weights, self-loops and
+/// isolated places, each with and without the others.
 Net netAuHasard(Hasard& h);
 
 /// A random net of the shape of the editor's translations: one control token, molecule counters.
