@@ -359,8 +359,10 @@ void Majorants::courir(const Question& q, const std::vector<Compte>& comptes, st
     std::uint64_t reste = accorde;
     try {
         if (auto course = promenade_->chercher(comptes, place, but, reste)) q.tireur->adopter(std::move(*course));
+    } catch (const Depassement& e) {
+        q.tireur->depasser(e);
     } catch (const Debordement&) {
-        // A count on the way does not fit; it says nothing about the others.
+        // What a move fires does not fit; it says nothing about the others.
     }
     travail_ -= accorde - reste;
 }
@@ -376,7 +378,7 @@ bool Majorants::realiser(const Simplexe& s, Question& q) {
         comptes[t] = static_cast<Compte>(std::min<Large>(s.valeur(t).plancher(), OMEGA - 1));
     }
     const auto but = static_cast<Compte>(
-        std::min<Large>(s.valeur(static_cast<Simplexe::Variable>(comptes.size()) + q.places[0]).plancher(), OMEGA - 1));
+        std::min<Large>(s.valeur(static_cast<Simplexe::Variable>(comptes.size()) + q.places[0]).plancher(), OMEGA));
     if (promenade_ && !entiers) return false;
     courir(q, comptes, q.places[0], but);
     q.minorant = std::max<Large>(q.minorant, q.tireur->minorants()[q.places[0]]);

@@ -177,16 +177,15 @@ void Promenade::jouer(const Etat& etat, const Suite& suite, bool seule, std::vec
     for (const Compte fois : choix) {
         if (fois < 1) continue;
         Etat suivant = etat;
+        Bloc bloc{{}, fois};
         for (const std::uint32_t t : suite) {
             suivant.reste[t] -= fois;
-            for (const Poids& e : net_.transitions[t].effet)
-                suivant.marquage[e.place] = somme(suivant.marquage[e.place], produit(e.compte, fois));
+            bloc.elans.push_back({t, 1});
         }
+        parcourir(net_, bloc, suivant.marquage);
         *travail_ -= std::min<std::uint64_t>(*travail_, etat.reste.size() + etat.marquage.size());
         suivant.ici = jeton_.vers(suite.back());
         if (!vus_.insert(empreinte(suivant.reste)).second) continue;
-        Bloc bloc{{}, fois};
-        for (const std::uint32_t t : suite) bloc.elans.push_back({t, 1});
         suivant.avant = coups_.size();
         coups_.push_back({etat.avant, std::move(bloc)});
         if (suivant.marquage[place_] >= but_) arrive_ = suivant.avant;

@@ -63,6 +63,7 @@ bool Resolution::majorer(unsigned effort) {
         if (depense > QUESTIONS * Majorants::travail(effort)) break;
         std::optional<Majoration> neuve = majorants->majorer({p}, borne(p), &tireur, effort, depense);
         if (neuve && (!majorations[p] || neuve->borne < majorations[p]->borne)) majorations[p] = std::move(neuve);
+        if (majorations[p] && tireur.depasse(p)) throw Debordement();
     }
     for (std::uint32_t p = 0; p < net_.places.size(); ++p) {
         if (borne(p) == OMEGA) buts[p] = 0;

@@ -40,6 +40,7 @@ bool deplace(const Transition& t) {
 Tireur::Tireur(const Net& net)
     : net_(net),
       minorants_(net.initial),
+      depassees_(net.places.size(), false),
       origines_(net.places.size(), {0, 0}),
       courses_(1),
       besoin_(net.places.size(), 0),
@@ -60,8 +61,10 @@ void Tireur::realiser(const std::vector<Compte>& comptes, std::uint32_t place, C
         bool complete = false;
         try {
             complete = essayer(comptes, graine);
+        } catch (const Depassement& e) {
+            depasser(e);
         } catch (const Debordement&) {
-            // A count of this run does not fit; it says nothing about the others.
+            // What this run fires does not fit; it says nothing about the others.
         }
         if (progres_) courses_.push_back(std::move(course_));
         travail_ += reserve_;
@@ -242,14 +245,15 @@ bool Tireur::repeterFin(std::size_t longueur, Compte minimum) {
 }
 
 void Tireur::tirer(std::vector<Elan> sequence, Compte fois) {
-    for (const Elan& e : sequence) {
+    Bloc bloc{std::move(sequence), fois};
+    parcourir(net_, bloc, marquage_);
+    for (const Elan& e : bloc.elans) {
         const Compte tirs = produit(e.fois, fois);
-        appliquer(net_.transitions[e.transition], tirs, marquage_);
         const Compte compris = std::min(reste_[e.transition], tirs);
         reste_[e.transition] -= compris;
         credit_[e.transition] = std::max<Compte>(0, credit_[e.transition] - (tirs - compris));
     }
-    noter({std::move(sequence), fois});
+    noter(bloc);
 }
 
 /// Appends a block that has led to `marquage_`, and remembers what has been reached.
@@ -272,8 +276,7 @@ void Tireur::pomper() {
     std::vector<std::vector<Compte>> marquages{net_.initial};
     for (const Bloc& bloc : run) {
         marquages.push_back(marquages.back());
-        for (const Elan& e : bloc.elans)
-            appliquer(net_.transitions[e.transition], produit(e.fois, bloc.fois), marquages.back());
+        parcourir(net_, bloc, marquages.back());
     }
     const std::vector<Compte>& fin = marquages.back();
     for (std::size_t i = run.size(); i-- > 0;) {
@@ -294,13 +297,16 @@ void Tireur::pomper() {
     }
 }
 
+void Tireur::depasser(const Depassement& depassement) {
+    for (const std::uint32_t p : depassement.places) depassees_[p] = true;
+}
+
 void Tireur::adopter(Course course) {
     marquage_ = net_.initial;
     course_.clear();
     progres_ = false;
     for (const Bloc& bloc : course) {
-        for (const Elan& e : bloc.elans)
-            appliquer(net_.transitions[e.transition], produit(e.fois, bloc.fois), marquage_);
+        parcourir(net_, bloc, marquage_);
         noter(bloc);
     }
     if (progres_) courses_.push_back(std::move(course_));

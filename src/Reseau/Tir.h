@@ -30,6 +30,11 @@ public:
     /// Takes over a run that another search has found.
     void adopter(Course course);
 
+    /// Remembers that a run has reached counts that do not fit.
+    void depasser(const Depassement& depassement);
+    /// Whether a run holds more in `place` than fits.
+    bool depasse(std::uint32_t place) const { return depassees_[place]; }
+
     /// The largest count reached so far, by place.
     const std::vector<Compte>& minorants() const { return minorants_; }
     /// Looks for pumps in the last run that has reached something new.
@@ -83,6 +88,7 @@ private:
     const Net& net_;
     std::vector<std::size_t> ordre_;  // by transition
     std::vector<Compte> minorants_;
+    std::vector<bool> depassees_;  // by place
     std::vector<Origine> origines_;
     std::vector<Course> courses_;
     std::vector<Pompe> pompes_;
