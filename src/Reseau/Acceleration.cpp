@@ -21,7 +21,11 @@ constexpr Large INFINI = static_cast<Large>(1) << 126;
 }  // namespace
 
 Accelerations::Accelerations(const Net& net)
-    : net_(net), pre_(net.places.size(), 0), effet_(net.places.size(), 0), touchee_(net.places.size(), 0) {}
+    : net_(net),
+      parBesoin_(net.places.size()),
+      pre_(net.places.size(), 0),
+      effet_(net.places.size(), 0),
+      touchee_(net.places.size(), 0) {}
 
 void Accelerations::toucher(std::uint32_t place) {
     if (touchee_[place]) return;
@@ -69,7 +73,7 @@ std::uint32_t Accelerations::apprendre(std::vector<Pas> pas) {
     }
     touchees_.clear();
 
-    const auto numero = static_cast<std::uint32_t>(liste_.size());
+    const std::uint32_t numero = nombre();
     liste_.push_back(std::move(a));
     const Acceleration& neuve = liste_.back();
     const auto subsume = [](const Acceleration& forte, const Acceleration& faible) {
@@ -77,8 +81,13 @@ std::uint32_t Accelerations::apprendre(std::vector<Pas> pas) {
                std::ranges::all_of(forte.pre, [&](const Poids& p) { return p.compte <= valeur(faible.pre, p.place); });
     };
     if (std::ranges::none_of(actives_, [&](std::uint32_t i) { return subsume(liste_[i], neuve); })) {
-        std::erase_if(actives_, [&](std::uint32_t i) { return subsume(neuve, liste_[i]); });
+        std::erase_if(actives_, [&](std::uint32_t i) {
+            if (!subsume(neuve, liste_[i])) return false;
+            for (const Poids& p : liste_[i].pre) std::erase(parBesoin_[p.place], i);
+            return true;
+        });
         actives_.push_back(numero);
+        for (const Poids& p : neuve.pre) parBesoin_[p.place].push_back(numero);
     }
     return numero;
 }
@@ -89,15 +98,34 @@ bool Accelerations::applicable(const Acceleration& a, const Marquage& m) const {
 }
 
 void Accelerations::appliquer(Marquage& m, std::vector<std::uint32_t>& appliquees) const {
-    for (bool change = true; change;) {
-        change = false;
-        for (const std::uint32_t i : actives_)
-            if (applicable(liste_[i], m)) {
-                pomper(liste_[i], m);
-                appliquees.push_back(i);
-                change = true;
-            }
+    aEssayer_ = actives_;
+    propager(m, appliquees);
+}
+
+void Accelerations::appliquer(Marquage& m, const Creux& effet, std::uint32_t connues,
+                              std::vector<std::uint32_t>& appliquees) const {
+    aEssayer_.clear();
+    for (const Poids& e : effet)
+        if (e.compte > 0) essayer(e.place);
+    aEssayer_.insert(aEssayer_.end(), std::ranges::lower_bound(actives_, connues), actives_.end());
+    propager(m, appliquees);
+}
+
+/// Applies what is to be tried, and then what that makes possible.
+void Accelerations::propager(Marquage& m, std::vector<std::uint32_t>& appliquees) const {
+    while (!aEssayer_.empty()) {
+        const std::uint32_t i = aEssayer_.back();
+        aEssayer_.pop_back();
+        if (!applicable(liste_[i], m)) continue;
+        for (const std::uint32_t p : liste_[i].pompes)
+            if (m[p] != OMEGA) essayer(p);
+        pomper(liste_[i], m);
+        appliquees.push_back(i);
     }
+}
+
+void Accelerations::essayer(std::uint32_t place) const {
+    aEssayer_.insert(aEssayer_.end(), parBesoin_[place].begin(), parBesoin_[place].end());
 }
 
 void pomper(const Acceleration& a, Marquage& m) {

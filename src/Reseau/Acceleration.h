@@ -34,7 +34,7 @@ class Accelerations {
 public:
     explicit Accelerations(const Net& net);
 
-    std::size_t nombre() const { return liste_.size(); }
+    std::uint32_t nombre() const { return static_cast<std::uint32_t>(liste_.size()); }
     const Acceleration& operator[](std::size_t i) const { return liste_[i]; }
 
     /// The acceleration that repeats `pas`, worked out from the steps' own needs and effects: the weakest
@@ -45,8 +45,14 @@ public:
     /// Applies every known acceleration to `m` until none changes it; appends the numbers of those that did
     /// to `appliquees`.
     void appliquer(Marquage& m, std::vector<std::uint32_t>& appliquees) const;
+    /// The same for a successor, by `effet`, of a marking that the first `connues` did not change: only those can
+    /// change `m` that need a place which has gained since.
+    void appliquer(Marquage& m, const Creux& effet, std::uint32_t connues,
+                   std::vector<std::uint32_t>& appliquees) const;
 
 private:
+    void propager(Marquage& m, std::vector<std::uint32_t>& appliquees) const;
+    void essayer(std::uint32_t place) const;
     bool applicable(const Acceleration& a, const Marquage& m) const;
     void suivre(const Pas& p);
     void exiger(std::uint32_t place, Compte besoin);
@@ -55,7 +61,9 @@ private:
 
     const Net& net_;
     std::vector<Acceleration> liste_;
-    std::vector<std::uint32_t> actives_;  // those not subsumed by another one
+    std::vector<std::uint32_t> actives_;                 // those not subsumed by another one, ascending
+    std::vector<std::vector<std::uint32_t>> parBesoin_;  // of them, by place, those that need it
+    mutable std::vector<std::uint32_t> aEssayer_;
     // Working state of `apprendre`, by place; clean between calls.
     std::vector<Large> pre_;
     std::vector<Large> effet_;

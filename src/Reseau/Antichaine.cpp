@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <functional>
 #include <utility>
 
 namespace Reseau {
@@ -21,7 +22,7 @@ bool Antichaine::couvre(const Mot* m) const {
             for (std::uint32_t i = 0; i < l.taille(); ++i)
                 if (champs_->couvre(l.en(i, octets), m)) return true;
         } else {
-            if (champs_->lire(m, b.place) < b.seuil) pile_.push_back(b.suite);
+            if (!franchit(b, m)) pile_.push_back(b.suite);
             pile_.push_back(b.suite + 1);
         }
     }
@@ -61,7 +62,7 @@ void Antichaine::retirer(const Mot* m) {
             if (restent < l.taille()) l.raccourcir(restent, octets);
         } else {
             pile_.push_back(b.suite);
-            if (champs_->lire(m, b.place) >= b.seuil) pile_.push_back(b.suite + 1);
+            if (franchit(b, m)) pile_.push_back(b.suite + 1);
         }
     }
     retires_ += avant - taille_;
@@ -186,6 +187,7 @@ void Antichaine::demonter(std::uint32_t branche, std::vector<Liasse>& liasses) {
         liasses.push_back(std::exchange(feuilles_[b.suite], Liasse()));
         feuillesLibres_.push_back(b.suite);
     } else {
+        if (b.place == ENSEMBLE) seuilsLibres_.push_back(static_cast<std::uint32_t>(b.seuil));
         demonter(b.suite, liasses);
         demonter(b.suite + 1, liasses);
         pairesLibres_.push_back(b.suite);
@@ -199,13 +201,14 @@ void Antichaine::batir(std::uint32_t branche, Membres::iterator debut, Membres::
     for (auto m = debut; m != fin; ++m) englober(branche, m->data());
     const auto nombre = static_cast<std::size_t>(fin - debut);
     const bool petite = nombre == 1 || nombre * poids <= CAPACITE;
-    const Coupe coupe = petite ? Coupe{FEUILLE, 0, nombre} : meilleureCoupe(debut, fin);
+    const Coupe coupe = petite ? Coupe{FEUILLE, 0, nombre, {}} : meilleureCoupe(branche, debut, fin);
     if (coupe.place == FEUILLE) {
         const auto place = static_cast<Compte>(std::max<std::size_t>(CAPACITE, petite ? 0 : 2 * nombre * poids));
         branches_[branche] = {place, FEUILLE, nouvelleFeuille()};
         return;
     }
-    const Branche neuve{coupe.seuil, coupe.place, nouvellePaire()};
+    const Compte seuil = coupe.place == ENSEMBLE ? nouveauxSeuils(coupe.ensemble) : coupe.seuil;
+    const Branche neuve{seuil, coupe.place, nouvellePaire()};
     branches_[branche] = neuve;
     const auto milieu = std::partition(debut, fin, [&](const auto& m) { return vers(neuve, m.data()) == neuve.suite; });
     batir(neuve.suite, debut, milieu, poids);
@@ -235,26 +238,54 @@ std::uint32_t Antichaine::nouvelleFeuille() {
     return feuille;
 }
 
-/// The place and the threshold that split these members, or some of them when they are many, most evenly; no place when
-/// the smaller part would be too small.
-Antichaine::Coupe Antichaine::meilleureCoupe(Membres::iterator debut, Membres::iterator fin) const {
+std::uint32_t Antichaine::nouveauxSeuils(const Creux& ensemble) {
+    if (seuilsLibres_.empty()) {
+        seuilsLibres_.push_back(static_cast<std::uint32_t>(seuils_.taille()));
+        seuils_.ajouter();
+    }
+    const std::uint32_t numero = seuilsLibres_.back();
+    seuilsLibres_.pop_back();
+    std::vector<Mot> seuils(champs_->mots(), 0);
+    for (const Poids& p : ensemble) champs_->exiger(seuils.data(), p.place, p.compte);
+    champs_->ranger(seuils.data(), seuils_.en(numero));
+    return numero;
+}
+
+/// The place and the threshold that split these members of `branche`, or some of them when they are many, most evenly;
+/// when the smaller part would be too small, a set of places that splits them in about equal parts; no place when there
+/// is none.
+Antichaine::Coupe Antichaine::meilleureCoupe(std::uint32_t branche, Membres::iterator debut,
+                                             Membres::iterator fin) const {
     const auto pas = static_cast<std::size_t>(fin - debut) / (std::size_t{2} * CAPACITE) + 1;
-    std::vector<Compte> comptes;
-    Coupe choix{FEUILLE, 0, static_cast<std::size_t>(fin - debut)};
-    for (std::uint32_t p = 0; p < champs_->places(); ++p) {
-        comptes.clear();
-        for (auto m = debut; m < fin;
-             m += static_cast<std::ptrdiff_t>(std::min<std::size_t>(pas, static_cast<std::size_t>(fin - m))))
-            comptes.push_back(champs_->lire(m->data(), p));
-        std::ranges::sort(comptes);
-        const std::size_t nombre = comptes.size();
-        for (std::size_t i = 1; i < nombre; ++i) {  // i members have less
+    std::vector<const Mot*> membres;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(fin - debut); i += pas)
+        membres.push_back(debut[static_cast<std::ptrdiff_t>(i)].data());
+    const std::size_t nombre = membres.size();
+    Coupe choix{FEUILLE, 0, nombre, {}};
+    std::vector<std::pair<Compte, std::size_t>> comptes(nombre);  // with the member's number, the largest first
+    std::vector<bool> touches(nombre, false);
+    std::size_t nombreTouches = 0;
+    champs_->pourChaqueDifference(jointure(branche), rencontre(branche), [&](std::uint32_t p) {
+        if (choix.ecart <= nombre % 2) return;
+        for (std::size_t i = 0; i < nombre; ++i) comptes[i] = {champs_->lire(membres[i], p), i};
+        std::ranges::sort(comptes, std::greater());
+        std::size_t rares = 0;                      // the largest smaller part that has at least some threshold
+        for (std::size_t i = 1; i < nombre; ++i) {  // i members have at least the threshold
+            if (comptes[i].first == comptes[i - 1].first) continue;
             const std::size_t ecart = i * 2 > nombre ? i * 2 - nombre : nombre - i * 2;
             const bool divise = std::min(i, nombre - i) * MOINDRE >= nombre;
-            if (divise && comptes[i] != comptes[i - 1] && ecart < choix.ecart) choix = {p, comptes[i], ecart};
+            if (divise && ecart < choix.ecart) choix = {p, comptes[i - 1].first, ecart, {}};
+            if (i * MOINDRE < nombre) rares = i;
         }
-        if (choix.ecart <= nombre % 2) break;
-    }
+        if (rares == 0 || 2 * nombreTouches >= nombre || choix.place != FEUILLE) return;
+        choix.ensemble.push_back({p, comptes[rares - 1].first});
+        for (std::size_t i = 0; i < rares; ++i) {
+            if (!touches[comptes[i].second]) ++nombreTouches;
+            touches[comptes[i].second] = true;
+        }
+    });
+    if (choix.place == FEUILLE && std::min(nombreTouches, nombre - nombreTouches) * MOINDRE >= nombre)
+        choix.place = ENSEMBLE;
     return choix;
 }
 
@@ -280,6 +311,15 @@ void Antichaine::convertir(const Champs& champs) {
         un(rencontre(b), place + champs.octets());
     }
     bornes_ = std::move(bornes);
+    Blocs seuils(champs.octets());
+    for (std::size_t i = 0; i < seuils_.taille(); ++i) {
+        champs_->reprendre(seuils_.en(i), de.data());
+        Reseau::convertir(*champs_, de.data(), champs, vers.data());
+        for (std::uint32_t p = 0; p < champs_->places(); ++p)
+            if (champs_->exige(de.data(), p)) champs.exiger(vers.data(), p, champs_->lire(de.data(), p));
+        champs.ranger(vers.data(), seuils.ajouter());
+    }
+    seuils_ = std::move(seuils);
     champs_ = &champs;
 }
 

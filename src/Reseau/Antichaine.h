@@ -3,9 +3,11 @@
 //
 // A discrimination tree: an inner node splits the markings below it by "place p holds at least s", with p and s chosen
 // from the markings themselves so that the halves balance; the markings lie packed in the leaves. A query that is
-// covered in p has to look only on one side. Markings come in an order that can make the tree as deep as it is large;
-// then the subtree at fault is built anew (I. Galperin, R. Rivest, "Scapegoat trees", SODA 1993). A leaf whose members
-// no cut divides better than one to sixteen stays whole until it is twice as large. Besides, every node knows the join
+// covered in p has to look only on one side. Where no place divides better than one to sixteen, as when each marking
+// holds tokens in a few places out of thousands, many places do it together: "some place p of a set holds at least
+// s(p)". Markings come in an order that can make the tree as deep as it is large; then the subtree at fault is built
+// anew (I. Galperin, R. Rivest, "Scapegoat trees", SODA 1993). A leaf that nothing divides stays whole until it is
+// twice as large. Besides, every node knows the join
 // and the meet of what lies below it (the largest and the smallest count of each place, itself a packed marking): a
 // subtree is left out when its join does not cover the query, or its meet is not covered by it.
 #pragma once
@@ -23,7 +25,8 @@ namespace Reseau {
 class Antichaine {
 public:
     /// @param champs must outlive it
-    explicit Antichaine(const Champs& champs) : champs_(&champs), bornes_(2 * champs.octets()) {}
+    explicit Antichaine(const Champs& champs)
+        : champs_(&champs), bornes_(2 * champs.octets()), seuils_(champs.octets()) {}
 
     std::uint64_t taille() const { return taille_; }
 
@@ -46,6 +49,7 @@ public:
 
 private:
     static constexpr std::uint32_t FEUILLE = ~std::uint32_t{0};
+    static constexpr std::uint32_t ENSEMBLE = FEUILLE - 1;
     static constexpr std::uint32_t CAPACITE = 64;
     static constexpr std::size_t MOINDRE = 16;      // of a cut, the smaller part: one of so many at least
     static constexpr std::uint32_t CLAIRSEME = 16;  // members of a leaf on average, below which the tree is built anew
@@ -53,8 +57,9 @@ private:
     static constexpr std::uint64_t CREDIT = 8;        // members that may be moved for each one added
 
     struct Branche {
-        Compte seuil = CAPACITE;  // of a leaf: how many members it holds before it is split
-        std::uint32_t place = FEUILLE;
+        // Of a leaf: how many members it holds before it is split. Of a cut by a set: the number of its thresholds.
+        Compte seuil = CAPACITE;
+        std::uint32_t place = FEUILLE;  // or ENSEMBLE
         // Of an inner node: the one below for those with less than `seuil`; that for the others follows it. Of a leaf:
         // its number in `feuilles_`.
         std::uint32_t suite = 0;
@@ -63,14 +68,18 @@ private:
         std::uint32_t place;
         Compte seuil;
         std::size_t ecart;  // from the even split
+        Creux ensemble;     // the thresholds of a set
     };
     using Membres = std::vector<std::vector<Mot>>;
 
     const std::uint8_t* jointure(std::uint32_t branche) const { return bornes_.en(branche); }
     const std::uint8_t* rencontre(std::uint32_t branche) const { return bornes_.en(branche) + champs_->octets(); }
-    std::uint32_t vers(const Branche& b, const Mot* m) const {
-        return b.suite + (champs_->lire(m, b.place) >= b.seuil ? 1 : 0);
+    /// Whether `m` holds as much as the cut asks for; then so does whatever covers it.
+    bool franchit(const Branche& b, const Mot* m) const {
+        if (b.place == ENSEMBLE) return champs_->franchit(m, seuils_.en(static_cast<std::size_t>(b.seuil)));
+        return champs_->lire(m, b.place) >= b.seuil;
     }
+    std::uint32_t vers(const Branche& b, const Mot* m) const { return b.suite + (franchit(b, m) ? 1 : 0); }
     std::uint32_t sousLaBranche(std::uint32_t branche, const Mot* m);
     void englober(std::uint32_t branche, const Mot* m);
     void equilibrer(const std::vector<std::uint32_t>& chemin);
@@ -80,14 +89,17 @@ private:
     void batir(std::uint32_t branche, Membres::iterator debut, Membres::iterator fin, std::size_t poids);
     std::uint32_t nouvellePaire();
     std::uint32_t nouvelleFeuille();
-    Coupe meilleureCoupe(Membres::iterator debut, Membres::iterator fin) const;
+    std::uint32_t nouveauxSeuils(const Creux& ensemble);
+    Coupe meilleureCoupe(std::uint32_t branche, Membres::iterator debut, Membres::iterator fin) const;
 
     const Champs* champs_;
     std::deque<Branche> branches_;
     std::deque<Liasse> feuilles_;
     Blocs bornes_;  // by branch, join and meet
+    Blocs seuils_;  // of the cuts by sets, see Champs::franchit
     std::vector<std::uint32_t> pairesLibres_;
     std::vector<std::uint32_t> feuillesLibres_;
+    std::vector<std::uint32_t> seuilsLibres_;
     std::uint64_t taille_ = 0;
     std::uint64_t retires_ = 0;  // since the tree was built
     std::uint64_t credit_ = 0;

@@ -15,7 +15,6 @@ Champs::Champs(const std::vector<Compte>& plafonds, bool omegas) : champs_(plafo
     std::iota(ordre.begin(), ordre.end(), 0U);
     std::ranges::stable_sort(ordre, [&](std::uint32_t a, std::uint32_t b) { return largeurs[a] > largeurs[b]; });
 
-    constexpr unsigned MOT = 64;
     const unsigned etroite = ordre.empty() ? MOT : largeurs[ordre.back()];
     std::vector<unsigned> pris{0};
     std::size_t premier = 0;  // no word before it has room for any field
@@ -25,12 +24,17 @@ Champs::Champs(const std::vector<Compte>& plafonds, bool omegas) : champs_(plafo
         while (i < pris.size() && pris[i] + largeurs[p] > MOT) ++i;
         if (i == pris.size()) pris.push_back(0);
         champs_[p] = {(Mot{1} << (largeurs[p] - garde)) - 1, static_cast<std::uint32_t>(i), pris[i]};
+        parBit_.resize(pris.size() * MOT);
+        for (unsigned b = 0; b + garde < largeurs[p]; ++b) parBit_[i * MOT + pris[i] + b] = p;
         pris[i] += largeurs[p];
     }
     mots_.resize(pris.size());
     for (std::size_t i = 0; i < pris.size(); ++i) mots_[i].utile = pris[i] == MOT ? ~Mot{0} : (Mot{1} << pris[i]) - 1;
     if (omegas)
-        for (const Champ& c : champs_) mots_[c.mot].gardes |= (c.masque + 1) << c.decalage;
+        for (const Champ& c : champs_) {
+            mots_[c.mot].gardes |= (c.masque + 1) << c.decalage;
+            mots_[c.mot].uns |= Mot{1} << c.decalage;
+        }
     octets_ = (pris.size() - 1) * sizeof(Mot) + std::max<std::size_t>(1, (pris.back() + 7) / 8);
     mots_.back().utile = octets_ % sizeof(Mot) == 0 ? ~Mot{0} : (Mot{1} << (octets_ % sizeof(Mot) * 8)) - 1;
 }

@@ -78,17 +78,55 @@ public:
     }
     /// Raises the kept marking to the larger count of each place.
     void joindre(std::uint8_t* garde, const Mot* m) const {
-        if (!couvre(garde, m)) unir(garde, m, [](Compte a, Compte b) { return std::max(a, b); });
+        remplacer(garde, m, [](Mot la, Mot neuf, Mot gardes) { return moindres(la, neuf, gardes); });
     }
     /// Lowers the kept marking to the smaller count of each place.
     void rencontrer(std::uint8_t* garde, const Mot* m) const {
-        if (!couverte(garde, m)) unir(garde, m, [](Compte a, Compte b) { return std::min(a, b); });
+        remplacer(garde, m, [](Mot la, Mot neuf, Mot gardes) { return moindres(neuf, la, gardes); });
     }
     /// @return a >= b, place by place
     bool couvre(const Mot* a, const Mot* b) const {
         for (std::size_t i = 0; i < mots_.size(); ++i)
             if (!atteint(a[i], b[i], mots_[i].gardes)) return false;
         return true;
+    }
+    /// @return a >= b, place by place, and a > b in some place that is finite in a
+    bool depasse(const Mot* a, const Mot* b) const {
+        Mot plus = 0;  // guards
+        for (std::size_t i = 0; i < mots_.size(); ++i) {
+            if (!atteint(a[i], b[i], mots_[i].gardes)) return false;
+            plus |= moindres(b[i], a[i], mots_[i].gardes) & ~(a[i] + mots_[i].uns);  // omega and one more is the guard
+        }
+        return plus != 0;
+    }
+    /// Whether `m` holds, in some place at least, what the thresholds ask. They are a marking in which the places that
+    /// are asked for are those with their guards set.
+    bool franchit(const Mot* m, const std::uint8_t* seuils) const {
+        for (std::size_t i = 0; i < mots_.size(); ++i) {
+            const Mot seuil = mot(seuils, i);
+            const Mot gardes = mots_[i].gardes;
+            if ((((m[i] | gardes) - (seuil & ~gardes)) & seuil & gardes) != 0) return true;
+        }
+        return false;
+    }
+    /// Asks for a count of a place in thresholds, see `franchit`.
+    void exiger(Mot* seuils, std::uint32_t p, Compte c) const {
+        poser(seuils, p, c);
+        seuils[champs_[p].mot] |= (champs_[p].masque + 1) << champs_[p].decalage;
+    }
+    bool exige(const Mot* seuils, std::uint32_t p) const {
+        return ((seuils[champs_[p].mot] >> champs_[p].decalage) & (champs_[p].masque + 1)) != 0;
+    }
+
+    /// Calls f(place) for each place that holds something.
+    template <class F>
+    void pourChaqueMarquee(const Mot* m, F&& f) const {
+        for (std::size_t i = 0; i < mots_.size(); ++i) pourChaqueChamp(i, m[i], f);
+    }
+    /// Calls f(place) for each place in which they differ.
+    template <class F>
+    void pourChaqueDifference(const std::uint8_t* a, const std::uint8_t* b, F&& f) const {
+        for (std::size_t i = 0; i < mots_.size(); ++i) pourChaqueChamp(i, mot(a, i) ^ mot(b, i), f);
     }
 
     /// Where a place stands, for those who translate arcs into fields.
@@ -101,9 +139,12 @@ public:
     bool omegas() const { return omegas_; }
 
 private:
+    static constexpr unsigned MOT = 64;  // bits
+
     struct Masques {
         Mot utile = 0;
         Mot gardes = 0;
+        Mot uns = 0;  // a one in each field, where there are guards
     };
 
     Compte compte(Mot mot, std::uint32_t p) const {
@@ -124,17 +165,39 @@ private:
         std::memcpy(&m, garde + i * sizeof(Mot), sizeof m);
         return memoire(m) & mots_[i].utile;
     }
+    /// Takes the counts of `m` for the fields of which `lesquels` returns the guards.
     template <class F>
-    void unir(std::uint8_t* garde, const Mot* m, F&& choisir) const {
-        std::vector<Mot> mots(mots_.size());
-        reprendre(garde, mots.data());
-        for (std::uint32_t p = 0; p < places(); ++p) poser(mots.data(), p, choisir(lire(mots.data(), p), lire(m, p)));
-        ranger(mots.data(), garde);
+    void remplacer(std::uint8_t* garde, const Mot* m, F&& lesquels) const {
+        for (std::size_t i = 0; i < mots_.size(); ++i) {
+            const Mot la = mot(garde, i);
+            const Mot gardes = mots_[i].gardes;
+            Mot champs = 0;
+            for (Mot reste = lesquels(la, m[i], gardes); reste != 0; reste &= reste - 1) {
+                const Mot sienne = reste & -reste;
+                const Mot plusBasses = gardes & (sienne - 1);  // the field begins behind the highest of them
+                champs |= sienne - (plusBasses == 0 ? 1 : std::bit_floor(plusBasses) << 1);
+            }
+            if (champs == 0) continue;
+            const std::size_t ici = i * sizeof(Mot);
+            ecrire(garde + ici, (la & ~champs) | (m[i] & champs), std::min(sizeof(Mot), octets_ - ici));
+        }
     }
+    /// Calls f(place) for each field of the i-th word in which `mot` has a bit.
+    template <class F>
+    void pourChaqueChamp(std::size_t i, Mot mot, F&& f) const {
+        while (mot != 0) {
+            const std::uint32_t p = parBit_[i * MOT + static_cast<unsigned>(std::countr_zero(mot))];
+            mot &= ~(champs_[p].masque << champs_[p].decalage);
+            f(p);
+        }
+    }
+    /// The guards of the fields in which `a` holds less than `b`.
+    static Mot moindres(Mot a, Mot b, Mot gardes) { return ~((a | gardes) - b) & gardes; }
     static bool atteint(Mot plus, Mot moins, Mot gardes) { return (((plus | gardes) - moins) & gardes) == gardes; }
 
     std::vector<Champ> champs_;
     std::vector<Masques> mots_;
+    std::vector<std::uint32_t> parBit_;  // places, by the bits of all words
     std::size_t octets_ = 0;
     bool omegas_;
 };

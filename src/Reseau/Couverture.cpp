@@ -2,6 +2,7 @@
 #include "Reseau/Couverture.h"
 
 #include <algorithm>
+#include <bit>
 #include <utility>
 
 namespace Reseau {
@@ -26,6 +27,7 @@ Couverture::Couverture(const Net& net, unsigned fils)
       antichaine_(*champs_),
       arbre_(*champs_),
       accelerations_(net),
+      marquee_(net.places.size(), 0),
       parent_(*champs_),
       courant_(*champs_),
       maxima_(net.places.size(), 0),
@@ -48,8 +50,9 @@ void Couverture::commencer() {
 }
 
 /// Whether every place has been seen with the tokens aimed at.
-bool Couverture::atteinte() const {
-    return std::ranges::equal(maxima_, buts_, [](Compte maximum, Compte but) { return maximum >= but; });
+bool Couverture::atteinte() {
+    while (atteintes_ < maxima_.size() && maxima_[atteintes_] >= buts_[atteintes_]) ++atteintes_;
+    return atteintes_ == maxima_.size();
 }
 
 bool Couverture::construire(std::uint64_t limite, bool arretOmega) {
@@ -95,12 +98,12 @@ void Couverture::ceder() {
 /// retired are dropped, and those to which a newer acceleration applies give way to what comes of it.
 std::uint32_t Couverture::sommet() {
     while (!frontiere_.empty()) {
-        const std::uint32_t n = frontiere_.rbegin()->second;
+        const auto [n, connues] = frontiere_.rbegin()->second;
         arbre_.lire(n, parent_.mots());
         const bool maximal = antichaine_.contient(parent_.mots());
         std::vector<std::uint32_t> pompes;
         courant_ = parent_;
-        if (maximal) accelerations_.appliquer(courant_, pompes);
+        if (maximal && connues < accelerations_.nombre()) accelerations_.appliquer(courant_, pompes);
         if (maximal && pompes.empty()) return n;
         oterSommet();
         arbre_.ouvrir(n);
@@ -112,8 +115,8 @@ std::uint32_t Couverture::sommet() {
 
 void Couverture::oterSommet() {
     const auto dernier = std::prev(frontiere_.end());
-    dernier->second = arbre_.suivant(dernier->second);
-    if (dernier->second == AUCUN) frontiere_.erase(dernier);
+    dernier->second = {arbre_.suivant(dernier->second.tete), 0};
+    if (dernier->second.tete == AUCUN) frontiere_.erase(dernier);
     --enAttente_;
 }
 
@@ -123,8 +126,11 @@ void Couverture::developper(std::uint32_t noeud) {
     oterSommet();
     arbre_.ouvrir(noeud);
     lignee_.suivre(arbre_, *champs_, noeud);
-    for (std::uint32_t t = 0; t < franchissement_.nombre(); ++t) {
-        if (!franchissement_.utile(t, parent_.mots())) continue;
+    connues_ = accelerations_.nombre();
+    champs_->pourChaqueMarquee(parent_.mots(), [this](std::uint32_t p) { ++marquee_[p]; });
+    if (std::has_single_bit(explores_)) franchissement_.guetter(marquee_);
+    franchissement_.utiles(parent_.mots(), tirs_);
+    for (const std::uint32_t t : tirs_) {
         // Its coverer stands in the frontier and is expanded in its place.
         if (successeur(noeud, t) && champs_->couvre(courant_.mots(), parent_.mots())) break;
     }
@@ -146,7 +152,7 @@ bool Couverture::successeur(std::uint32_t parent, std::uint32_t tir) {
         courant_ = parent_;
     }
     std::vector<std::uint32_t> pompes;
-    accelerations_.appliquer(courant_, pompes);
+    accelerations_.appliquer(courant_, net_.transitions[tir].effet, connues_, pompes);
     if (connu()) return false;
     if (!incomparables_ && accelerer(tir, pompes) && connu()) return false;
     garder(parent, tir, std::move(pompes));
@@ -155,14 +161,6 @@ bool Couverture::successeur(std::uint32_t parent, std::uint32_t tir) {
 
 bool Couverture::connu() const {
     return antichaine_.contient(courant_.mots()) || (!incomparables_ && antichaine_.couvre(courant_.mots()));
-}
-
-/// Whether the ancestor is below `courant_`, and less in some place that is finite there.
-bool Couverture::depasse(const Mot* ancetre) const {
-    if (!champs_->couvre(courant_.mots(), ancetre)) return false;
-    for (std::uint32_t p = 0; p < champs_->places(); ++p)
-        if (courant_[p] != OMEGA && champs_->lire(ancetre, p) < courant_[p]) return true;
-    return false;
 }
 
 /// Compares `courant_`, reached from the last of `lignee_` by `tir` and `pompes`, with its ancestors until none is
@@ -175,7 +173,7 @@ bool Couverture::accelerer(std::uint32_t tir, std::vector<std::uint32_t>& pompes
         std::uint32_t pas = 0;
         for (std::uint32_t d = lignee_.profondeur() + 1; d > 0; ++pas) {
             d = pas < PROCHES ? d - 1 : (d - 1) / PROCHES * PROCHES;
-            if (!depasse(lignee_.mots(d))) continue;
+            if (!champs_->depasse(courant_.mots(), lignee_.mots(d))) continue;
             std::vector<Pas> chemin;
             for (auto i = pompes.rbegin(); i != pompes.rend(); ++i) chemin.push_back({Pas::POMPE, *i});
             chemin.push_back({Pas::TIR, tir});
@@ -197,25 +195,27 @@ void Couverture::garder(std::uint32_t parent, std::uint32_t tir, std::vector<std
     if (!incomparables_) antichaine_.retirer(courant_.mots());
     antichaine_.ajouter(courant_.mots());
 
-    for (std::uint32_t p = 0; p < champs_->places(); ++p) maxima_[p] = std::max(maxima_[p], courant_[p]);
-    const Rang rang = rangDuCourant();
+    const Rang rang = compterLeCourant();
     nonBornee_ = nonBornee_ || rang.omegas > 0;
     const std::uint32_t noeud = arbre_.ajouter(courant_.mots(), parent, tir, std::move(pompes));
-    const auto liste = frontiere_.try_emplace(rang, AUCUN).first;
-    arbre_.suivant(noeud) = std::exchange(liste->second, noeud);
+    Liste& liste = frontiere_[rang];
+    arbre_.suivant(noeud) = std::exchange(liste.tete, noeud);
+    liste.connues = accelerations_.nombre();
     ++enAttente_;
 }
 
-Couverture::Rang Couverture::rangDuCourant() const {
+/// The rank of `courant_`; its counts go into the maxima.
+Couverture::Rang Couverture::compterLeCourant() {
     Rang rang{0, 0, 0};
-    for (std::uint32_t p = 0; p < champs_->places(); ++p) {
+    champs_->pourChaqueMarquee(courant_.mots(), [&](std::uint32_t p) {
         const Compte c = courant_[p];
-        rang.marquees += c > 0 ? 1 : 0;
+        maxima_[p] = std::max(maxima_[p], c);
+        ++rang.marquees;
         if (c == OMEGA)
             ++rang.omegas;
         else if (__builtin_add_overflow(rang.jetons, static_cast<std::uint64_t>(c), &rang.jetons))
             rang.jetons = ~std::uint64_t{0};
-    }
+    });
     return rang;
 }
 

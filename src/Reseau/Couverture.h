@@ -53,7 +53,10 @@ public:
     Couverture& operator=(const Couverture&) = delete;
 
     /// Sets what `explorer` may stop at: once every place has been seen with `buts[place]` tokens.
-    void viser(std::vector<Compte> buts) { buts_ = std::move(buts); }
+    void viser(std::vector<Compte> buts) {
+        buts_ = std::move(buts);
+        atteintes_ = 0;
+    }
 
     /// Declares that no reachable marking covers another one, which makes the search cheaper.
     void declarerIncomparables() { incomparables_ = true; }
@@ -97,6 +100,11 @@ private:
     static constexpr std::uint32_t AUCUN = Arbre::AUCUN;
     static constexpr std::uint32_t PROCHES = 256;  // ancestors that are compared in any case
 
+    /// Nodes of one rank that wait, chained through the tree, latest first.
+    struct Liste {
+        std::uint32_t tete = AUCUN;
+        std::uint32_t connues = 0;  // of the accelerations, how many have been tried on the head
+    };
     /// What is expanded first: the greatest.
     struct Rang {
         std::uint32_t omegas;
@@ -110,16 +118,15 @@ private:
     bool construire(std::uint64_t limite, bool arretOmega);
     bool enumerer(std::uint64_t limite);
     void ceder();
-    bool atteinte() const;
+    bool atteinte();
     std::uint32_t sommet();
     void oterSommet();
     void developper(std::uint32_t noeud);
     void fermer(std::uint32_t noeud);
     bool successeur(std::uint32_t parent, std::uint32_t tir);
     bool connu() const;
-    Rang rangDuCourant() const;
+    Rang compterLeCourant();
     bool accelerer(std::uint32_t tir, std::vector<std::uint32_t>& pompes);
-    bool depasse(const Mot* ancetre) const;
     void garder(std::uint32_t parent, std::uint32_t tir, std::vector<std::uint32_t> pompes);
     void elargir(const Manque& manque);
     /// The layout of the maximal markings.
@@ -138,8 +145,10 @@ private:
     Arbre arbre_;
     Lignee lignee_;
     Accelerations accelerations_;
-    std::map<Rang, std::uint32_t>
-        frontiere_;  // nodes that wait; those of one rank chained through the tree, latest first
+    std::map<Rang, Liste> frontiere_;
+    std::uint32_t connues_ = 0;  // of the accelerations, how many do not change `parent_`
+    std::vector<std::uint32_t> tirs_;
+    std::vector<std::uint64_t> marquee_;  // by place, how many of the expanded markings mark it
     std::uint64_t gardes_ = 0;
     std::uint64_t enAttente_ = 0;
     Marquage parent_;
@@ -148,6 +157,7 @@ private:
 
     std::vector<Compte> maxima_;
     std::vector<Compte> buts_;
+    std::uint32_t atteintes_ = 0;  // places, from the first one on, that have been seen with their aims
     std::vector<Pas> tige_;
     std::uint64_t explores_ = 0;
     bool nonBornee_ = false;

@@ -95,8 +95,8 @@ void Enumeration::developper(Tranche& tranche, std::uint64_t debut, std::uint64_
     courant.resize(mots);
     for (std::uint64_t i = debut; i < fin; ++i) {
         const Mot* parent = &lot_[i * mots];
-        for (std::uint32_t t = 0; t < franchissement_.nombre(); ++t) {
-            if (!franchissement_.utile(t, parent)) continue;
+        franchissement_.utiles(parent, tranche.tirs);
+        for (const std::uint32_t t : tranche.tirs) {
             std::copy_n(parent, mots, courant.begin());
             Manque manque;
             if (!franchissement_.tirer(t, courant.data(), manque)) {

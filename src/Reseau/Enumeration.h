@@ -64,6 +64,7 @@ private:
         std::array<std::vector<Mot>, SECTIONS> successeurs;  // each with its hash in front
         std::vector<Compte> maxima;
         std::vector<Mot> courant;
+        std::vector<std::uint32_t> tirs;
         bool etroit = false;  // some count did not fit
     };
 

@@ -4,9 +4,36 @@
 
 namespace Reseau {
 
-Franchissement::Franchissement(const Net& net, const Champs& champs) : net_(net) { traduire(champs); }
+Franchissement::Franchissement(const Net& net, const Champs& champs) : net_(net), guets_(net.places.size()) {
+    std::vector<std::uint64_t> demandes(net.places.size(), 0);
+    for (const Transition& t : net.transitions)
+        for (const Poids& p : t.pre) ++demandes[p.place];
+    guetter(demandes);
+    traduire(champs);
+}
+
+void Franchissement::guetter(const std::vector<std::uint64_t>& marquee) {
+    for (std::vector<std::uint32_t>& guet : guets_) guet.clear();
+    toujours_.clear();
+    for (std::uint32_t t = 0; t < net_.transitions.size(); ++t) {
+        const Creux& pre = net_.transitions[t].pre;
+        const auto rare = std::ranges::min_element(pre, {}, [&](const Poids& p) { return marquee[p.place]; });
+        (rare == pre.end() ? toujours_ : guets_[rare->place]).push_back(t);
+    }
+}
+
+void Franchissement::utiles(const Mot* m, std::vector<std::uint32_t>& tirs) const {
+    tirs.clear();
+    const auto essayer = [&](std::uint32_t t) {
+        if (utile(t, m)) tirs.push_back(t);
+    };
+    std::ranges::for_each(toujours_, essayer);
+    champs_->pourChaqueMarquee(m, [&](std::uint32_t p) { std::ranges::for_each(guets_[p], essayer); });
+    std::ranges::sort(tirs);
+}
 
 void Franchissement::traduire(const Champs& champs) {
+    champs_ = &champs;
     tirs_.clear();
     arcs_.clear();
     const auto traduit = [&champs](std::uint32_t place, Compte compte) {

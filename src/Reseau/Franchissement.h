@@ -1,5 +1,10 @@
 // The firing rule on packed markings: every arc translated once for each layout into the field that it reads or
 // changes.
+//
+// Each transition is on the watch at one of the places that it needs, and looked at only where that place is marked. Of
+// a net of thousands of transitions that leaves the few of the control locations where the marking is. Source: the
+// watched literals of M. Moskewicz, C. Madigan, Y. Zhao, L. Zhang, S. Malik, "Chaff: engineering an efficient SAT
+// solver", DAC 2001.
 #pragma once
 
 #include <cstdint>
@@ -18,11 +23,14 @@ struct Manque {
 
 class Franchissement {
 public:
-    /// @param net must outlive it
+    /// @param net, champs must outlive it
     Franchissement(const Net& net, const Champs& champs);
 
-    /// Translates the arcs for another layout.
+    /// Translates the arcs for another layout, which must outlive it.
     void traduire(const Champs& champs);
+
+    /// Puts each transition on the watch at that place among its needs which was marked in the fewest markings.
+    void guetter(const std::vector<std::uint64_t>& marquee);
 
     std::uint32_t nombre() const { return static_cast<std::uint32_t>(tirs_.size()); }
     /// Whether `m` enables the transition, and firing it adds to a finite place; what comes of it otherwise is covered
@@ -34,6 +42,8 @@ public:
             if (arcs_[i].compte > 0 && valeurEn(m, arcs_[i]) != arcs_[i].omega) return true;
         return false;
     }
+    /// The useful transitions, in ascending order.
+    void utiles(const Mot* m, std::vector<std::uint32_t>& tirs) const;
     /// Fires a transition that `m` enables.
     /// @return whether every count fits; if not, `m` is spoilt and `manque` tells what does not
     /// @throws Debordement
@@ -74,6 +84,9 @@ private:
     }
 
     const Net& net_;
+    const Champs* champs_ = nullptr;
+    std::vector<std::vector<std::uint32_t>> guets_;  // transitions, by the place where they watch
+    std::vector<std::uint32_t> toujours_;            // those that need nothing
     std::vector<Tir> tirs_;
     std::vector<Arc> arcs_;
 };

@@ -13,8 +13,10 @@ namespace {
 
 constexpr std::uint64_t SANS_LIMITE = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t MINIMUM =
-    100;  // markings expanded in the first exploration, as far as the next ones depend on it
-constexpr unsigned EFFORTS = 3;
+    100;                         // markings expanded in the first exploration, as far as the next ones depend on it
+constexpr unsigned EFFORTS = 3;  // of the state equation
+constexpr unsigned TOURS = 12;   // of taking turns; no net is complete after so many markings that was not before
+constexpr std::uint64_t COMPOSANTES = 20'000'000;  // arcs followed in one turn
 constexpr std::uint64_t QUESTIONS = 8;  // that may use up all their effort before the exploration has its turn
 constexpr Large TOUT = static_cast<Large>(1) << 125;  // any finite bound is good enough
 
@@ -30,14 +32,15 @@ void Resolution::essayer(const Options& options) {
 void Resolution::finir(const Options& options) {
     if (fini_) return;
     if (!couverture.nonBornee() && conservatif(net_)) couverture.declarerIncomparables();
-    if (Majorants::possible(net_)) {
-        majorants.emplace(net_);
-        for (unsigned effort = 0; effort < EFFORTS; ++effort) {
-            if (options.verdictSeul ? majorerEnsemble(effort) : majorer(effort)) return;
+    if (Majorants::possible(net_)) majorants.emplace(net_);
+    for (unsigned tour = 0; tour < TOURS; ++tour) {
+        if (!options.verdictSeul && majorerParComposantes()) return;
+        if (majorants && tour < EFFORTS) {
+            if (options.verdictSeul ? majorerEnsemble(tour) : majorer(tour)) return;
             if (options.verdictSeul && !bornee()) return;
-            const std::uint64_t plus = std::max(options.essai, MINIMUM) << (3 * (effort + 1));
-            if (couverture.explorer(plus, options.verdictSeul)) return;
         }
+        const std::uint64_t plus = std::max(options.essai, MINIMUM) << (3 * (tour + 1));
+        if (couverture.explorer(plus, options.verdictSeul)) return;
     }
     couverture.explorer(SANS_LIMITE, options.verdictSeul);
 }
@@ -52,27 +55,62 @@ bool Resolution::majorerEnsemble(unsigned effort) {
     return ensemble.has_value();
 }
 
+/// Whether the place's bound is known.
+bool Resolution::reglee(std::uint32_t place) const {
+    return borne(place) == OMEGA || (majorations[place] && majorations[place]->borne == borne(place));
+}
+
+/// Tells the exploration what is still to be reached.
+/// @return whether that is nothing any more
+bool Resolution::viser() {
+    std::vector<Compte> buts(net_.places.size(), OMEGA);
+    for (std::uint32_t p = 0; p < net_.places.size(); ++p) {
+        if (reglee(p))
+            buts[p] = 0;
+        else if (majorations[p] && majorations[p]->borne < OMEGA)
+            buts[p] = static_cast<Compte>(majorations[p]->borne);
+    }
+    couverture.viser(std::move(buts));
+    return couverture.explorer(0, false);
+}
+
+/// Settles places by sets whose tokens never become more; one serves all its places that have been seen with all of
+/// them.
+/// @return as `majorer`
+bool Resolution::majorerParComposantes() {
+    std::vector<Compte> vus(net_.places.size());
+    for (std::uint32_t p = 0; p < vus.size(); ++p) vus[p] = borne(p);
+    std::uint64_t travail = COMPOSANTES;
+    for (std::uint32_t p = 0; p < vus.size(); ++p) {
+        if (reglee(p)) continue;
+        const auto places = composantes_.chercher(p, vus, travail);
+        if (!places) continue;
+        for (const std::uint32_t q : *places) {
+            if (vus[q] != vus[p] || reglee(q)) continue;
+            Cas cas;
+            cas.facteur = 1;
+            cas.total = vus[p];
+            for (const std::uint32_t autre : *places)
+                if (autre != q) cas.multiplicateurs.emplace_back(autre, 1);
+            majorations[q] = Majoration{vus[p], {std::move(cas)}};
+        }
+    }
+    return viser();
+}
+
 /// Bounds the places that are not settled yet.
 /// @return whether every place is settled now; what is not is left to the exploration
 bool Resolution::majorer(unsigned effort) {
-    std::vector<Compte> buts(net_.places.size(), OMEGA);
     std::uint64_t depense = 0;
     tireur.accorder(QUESTIONS * Majorants::travail(effort) / 2);
     for (std::uint32_t p = 0; p < net_.places.size(); ++p) {
-        if (borne(p) == OMEGA || (majorations[p] && majorations[p]->borne == borne(p))) continue;
+        if (reglee(p)) continue;
         if (depense > QUESTIONS * Majorants::travail(effort)) break;
         std::optional<Majoration> neuve = majorants->majorer({p}, borne(p), &tireur, effort, depense);
         if (neuve && (!majorations[p] || neuve->borne < majorations[p]->borne)) majorations[p] = std::move(neuve);
         if (majorations[p] && tireur.depasse(p)) throw Debordement();
     }
-    for (std::uint32_t p = 0; p < net_.places.size(); ++p) {
-        if (borne(p) == OMEGA) buts[p] = 0;
-        if (!majorations[p] || majorations[p]->borne >= OMEGA) continue;
-        buts[p] = static_cast<Compte>(majorations[p]->borne);
-        if (borne(p) == buts[p]) buts[p] = 0;
-    }
-    couverture.viser(std::move(buts));
-    return couverture.explorer(0, false);
+    return viser();
 }
 
 Compte Resolution::borne(std::uint32_t place) const {

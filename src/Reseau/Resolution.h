@@ -1,17 +1,22 @@
 // One net, answered: the order in which the means are tried, cheapest first.
 //
 //   1. `essayer`: a short exploration. Small nets are complete here, and most unbounded ones show it. Then `finir`:
-//   2. The state equation: an upper bound for each place, with a proof, and runs fired in bulk that show how much of it
-//   can be
-//      reached. Where the two meet the place is settled, whatever the number of its tokens.
-//   3. A longer exploration, and 2 again with more patience for what is left; a few times.
-//   4. The exploration goes on until every place that is left has reached its upper bound, or is complete.
+//   2. Sets of places whose tokens never become more: where one holds no more than a place has been seen with, the
+//   place
+//      is settled.
+//   3. The state equation: an upper bound for each place that is left, with a proof, and runs fired in bulk that show
+//   how
+//      much of it can be reached. Where the two meet the place is settled, whatever the number of its tokens.
+//   4. A longer exploration, and 2 and 3 again with more patience for what is left; 3 a few times only.
+//
+// The exploration ends when every place that is left has reached its upper bound, or it is complete.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <vector>
 
+#include "Reseau/Composante.h"
 #include "Reseau/Couverture.h"
 #include "Reseau/Majorant.h"
 #include "Reseau/Net.h"
@@ -24,7 +29,7 @@ class Resolution {
 public:
     /// @param net must outlive it
     /// @param fils see Options
-    Resolution(const Net& net, unsigned fils) : couverture(net, fils), tireur(net), net_(net) {}
+    Resolution(const Net& net, unsigned fils) : couverture(net, fils), tireur(net), net_(net), composantes_(net) {}
 
     /// The short exploration.
     /// @throws Debordement, std::bad_alloc
@@ -45,16 +50,20 @@ public:
     Tireur tireur;
     /// The state equation, once it has been asked.
     std::optional<Majorants> majorants;
-    /// The upper bounds by the state equation, by place. What has none is bounded by the complete coverability set.
+    /// The upper bounds found without exploration, by place. What has none is bounded by the complete coverability set.
     std::vector<std::optional<Majoration>> majorations;
     /// When only the verdict was asked: the bound of all places together.
     std::optional<Majoration> ensemble;
 
 private:
+    bool reglee(std::uint32_t place) const;
+    bool viser();
+    bool majorerParComposantes();
     bool majorer(unsigned effort);
     bool majorerEnsemble(unsigned effort);
 
     const Net& net_;
+    Composantes composantes_;
     bool fini_ = false;
 };
 

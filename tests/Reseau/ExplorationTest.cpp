@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <limits>
+#include <memory>
+#include <optional>
 #include <set>
 #include <sstream>
 #include <stdexcept>
@@ -14,11 +16,13 @@
 #include "Outils.h"
 #include "Reseau/Antichaine.h"
 #include "Reseau/Champs.h"
+#include "Reseau/Composante.h"
 #include "Reseau/Conservation.h"
 #include "Reseau/Couverture.h"
 #include "Reseau/Ecriture.h"
 #include "Reseau/Ensemble.h"
 #include "Reseau/Equipe.h"
+#include "Reseau/Franchissement.h"
 #include "Reseau/Lecture.h"
 #include "Reseau/Reseau.h"
 #include "reseau_familles.h"
@@ -103,6 +107,16 @@ TEST(ChampsTest, PackedMarkingsAreReadComparedJoinedAndConvertedAsTheirCountsAre
         ASSERT_EQ(champs.couvre(gardeB.data(), motsA.data()), couvre(b, a));
         ASSERT_EQ(champs.couverte(gardeB.data(), motsA.data()), couvre(a, b));
         ASSERT_EQ(champs.couvre(motsA.data(), emballer(champs, b).data()), couvre(a, b));
+        bool plus = false;
+        for (std::size_t p = 0; p < a.size(); ++p) plus = plus || (a[p] > b[p] && a[p] != OMEGA);
+        ASSERT_EQ(champs.depasse(motsA.data(), emballer(champs, b).data()), plus && couvre(a, b));
+        std::vector<std::uint32_t> marquees;
+        champs.pourChaqueMarquee(motsA.data(), [&](std::uint32_t p) { marquees.push_back(p); });
+        std::ranges::sort(marquees);
+        std::vector<std::uint32_t> positives;
+        for (std::uint32_t p = 0; p < a.size(); ++p)
+            if (a[p] > 0) positives.push_back(p);
+        ASSERT_EQ(marquees, positives);
         Comptes jointure = a;
         Comptes rencontre = a;
         for (std::size_t p = 0; p < a.size(); ++p) {
@@ -118,6 +132,29 @@ TEST(ChampsTest, PackedMarkingsAreReadComparedJoinedAndConvertedAsTheirCountsAre
         Mots convertie(larges.mots());
         Reseau::convertir(champs, motsA.data(), larges, convertie.data());
         ASSERT_EQ(deballer(larges, convertie.data()), a);
+    }
+}
+
+TEST(ChampsTest, ThresholdsAreMetWhereSomePlaceHoldsWhatIsAskedOfIt) {
+    Hasard h(6);
+    for (int tour = 0; tour < 3000; ++tour) {
+        Comptes plafonds(static_cast<std::size_t>(1 + tirer(h, 60)));
+        for (Compte& c : plafonds) c = tirer(h, 9);
+        const Champs champs(plafonds, true);
+        Comptes m = plafonds;
+        Mots seuils(champs.mots(), 0);
+        bool franchis = false;
+        for (std::uint32_t p = 0; p < m.size(); ++p) {
+            m[p] = compteAuHasard(h, plafonds[p], true);
+            const Compte seuil = compteAuHasard(h, plafonds[p], true);
+            const bool demandee = tirer(h, 4) == 0;
+            if (demandee) champs.exiger(seuils.data(), p, seuil);
+            ASSERT_EQ(champs.exige(seuils.data(), p), demandee);
+            franchis = franchis || (demandee && m[p] >= seuil);
+        }
+        std::vector<std::uint8_t> garde(champs.octets() + Champs::MARGE, 0xA5);
+        champs.ranger(seuils.data(), garde.data());
+        ASSERT_EQ(champs.franchit(emballer(champs, m).data(), garde.data()), franchis);
     }
 }
 
@@ -195,6 +232,98 @@ TEST_F(Antichaines, MarkingsThatComeInOrderAreFoundAgain) {
     comparer();
     for (Compte i = 0; i < 3000; i += 2) ajouter({i + 1, 3000 - i, 1, 1, 1, 0});
     comparer();
+}
+
+/// Hundreds of places none of which divides: the index has to divide by many at once.
+TEST(AntichainesLarges, MarkingsOfAFewTokensAmongManyPlacesAreCoveredAndRetiredAsInAList) {
+    constexpr std::size_t PLACES = 300;
+    auto champs = std::make_unique<const Champs>(Comptes(PLACES, 3), true);
+    Reseau::Antichaine index(*champs);
+    std::vector<Comptes> liste;
+    Hasard h(7);
+    for (int i = 0; i < 3000; ++i) {
+        if (i == 1500) {
+            auto larges = std::make_unique<const Champs>(Comptes(PLACES, 100), true);
+            index.convertir(*larges);
+            champs = std::move(larges);
+        }
+        Comptes comptes(PLACES, 0);
+        for (int jeton = tirer(h, 4); jeton >= 0; --jeton)
+            comptes[static_cast<std::size_t>(tirer(h, PLACES))] = tirer(h, 20) == 0 ? OMEGA : 1 + tirer(h, 2);
+        const Mots m = emballer(*champs, comptes);
+        const bool couvert = std::ranges::any_of(liste, [&](const Comptes& autre) { return couvre(autre, comptes); });
+        ASSERT_EQ(index.contient(m.data()), std::ranges::find(liste, comptes) != liste.end());
+        ASSERT_EQ(index.couvre(m.data()), couvert);
+        if (couvert) continue;
+        index.retirer(m.data());
+        index.ajouter(m.data());
+        std::erase_if(liste, [&](const Comptes& autre) { return couvre(comptes, autre); });
+        liste.push_back(comptes);
+        ASSERT_EQ(index.taille(), liste.size());
+    }
+    EXPECT_GT(liste.size(), 1000U);
+}
+
+TEST(FranchissementTest, TheUsefulTransitionsAreThoseThatAScanOfAllFinds) {
+    Hasard h(8);
+    for (int tour = 0; tour < 300; ++tour) {
+        const essai::Net net = tour % 2 == 0 ? essai::netAuHasard(h) : essai::netDeReseauAuHasard(h);
+        std::istringstream texte(net.texte());
+        const Reseau::Net lu = Reseau::lire(texte, "essai");
+        const Champs champs(Comptes(lu.places.size(), 5), true);
+        Reseau::Franchissement franchissement(lu, champs);
+        for (int essai = 0; essai < 10; ++essai) {
+            Comptes comptes(lu.places.size());
+            for (Compte& c : comptes) c = tirer(h, 2) == 0 ? 0 : compteAuHasard(h, 5, true);
+            const Mots m = emballer(champs, comptes);
+            std::vector<std::uint32_t> utiles;
+            franchissement.utiles(m.data(), utiles);
+            std::vector<std::uint32_t> attendues;
+            for (std::uint32_t t = 0; t < franchissement.nombre(); ++t)
+                if (franchissement.utile(t, m.data())) attendues.push_back(t);
+            ASSERT_EQ(utiles, attendues) << net.texte();
+            std::vector<std::uint64_t> marquee(comptes.size());
+            for (std::uint64_t& n : marquee) n = h() % 9;
+            franchissement.guetter(marquee);
+        }
+    }
+}
+
+/// Twenty locks, each free or held; what is held counts against nobody else's.
+TEST(ComposantesTest, ALockIsASetOfItsOwnAndWhatHasNoSetIsLeftAlone) {
+    std::ostringstream net;
+    net << "tr source -> attend\n";
+    for (int i = 0; i < 20; ++i)
+        net << "tr prend" << i << " attend libre" << i << " -> tient" << i << "\ntr rend" << i << " tient" << i
+            << " -> attend libre" << i << "\npl libre" << i << " (1)\n";
+    std::istringstream texte(net.str());
+    const Reseau::Net lu = Reseau::lire(texte, "essai");
+    const auto place = [&lu](const std::string& nom) {
+        return static_cast<std::uint32_t>(std::ranges::find(lu.places, nom) - lu.places.begin());
+    };
+    Comptes vus(lu.places.size(), 1);
+    vus[place("attend")] = OMEGA;
+    Reseau::Composantes composantes(lu);
+    std::uint64_t travail = 1000;
+    std::vector<std::uint32_t> attendu{place("libre7"), place("tient7")};
+    std::ranges::sort(attendu);
+    EXPECT_EQ(composantes.chercher(place("tient7"), vus, travail), attendu);
+    EXPECT_EQ(composantes.chercher(place("libre7"), vus, travail), attendu);
+    vus[place("attend")] = 1;
+    EXPECT_EQ(composantes.chercher(place("attend"), vus, travail), std::nullopt);
+    travail = 0;
+    EXPECT_EQ(composantes.chercher(place("libre7"), vus, travail), std::nullopt);
+}
+
+/// Where a transition may take from either of two places, only one of them leads to a set.
+TEST(ComposantesTest, EveryPlaceThatATransitionTakesFromIsTried) {
+    std::istringstream texte("tr a x y -> p\ntr b p -> q\ntr c q -> x y\ntr d -> x\ntr e x ->\npl x (0)\npl y (1)\n");
+    const Reseau::Net lu = Reseau::lire(texte, "essai");
+    Reseau::Composantes composantes(lu);
+    std::uint64_t travail = 1000;
+    EXPECT_THAT(lu.places, testing::ElementsAre("x", "y", "p", "q"));
+    EXPECT_EQ(composantes.chercher(2, {1, 1, 1, 1}, travail), (std::vector<std::uint32_t>{1, 2, 3}));
+    EXPECT_EQ(composantes.chercher(2, {1, OMEGA, 1, 1}, travail), std::nullopt);
 }
 
 TEST(EquipeTest, EveryMemberDoesItsPartAndTheFirstErrorIsThrown) {
