@@ -189,15 +189,14 @@ Reseau::Net compteur(int n) {
     return c.finir();
 }
 
-/// 15 to 95 places, 30 to 100 transitions, up to four arcs a transition; n is the number of places and the seed.
+/// 15 to 95 places, 30 to 100 transitions, up to four arcs a transition; n is the number of places and part of the
+/// seed.
+template <int GRAINE>
 Reseau::Net hasard(int n) {
-    Hasard h(static_cast<std::uint64_t>(n));
+    Hasard h(static_cast<std::uint64_t>(n + 1000 * GRAINE));
     Chantier c;
     const int transitions = 30 + (n - 15) * 70 / 80;
-    for (int p = 0; p < n; ++p) {
-        c.tr(nom("p", p), nom("p", p));
-        c.pl(nom("p", p), tirer(h, 4) == 0 ? 1 : 0);
-    }
+    for (int p = 0; p < n; ++p) c.pl(nom("p", p), tirer(h, 4) == 0 ? 1 : 0);
     for (int t = 0; t < transitions; ++t) {
         std::string pre;
         std::string post;
@@ -208,38 +207,19 @@ Reseau::Net hasard(int n) {
     return c.finir();
 }
 
-/// A model as the editor translates it: n nodes, 2 to 20 molecules, 1 to 10^9 of each kind at the start, two arcs a
-/// node of which two in three carry a rule that turns some molecules into later ones.
-Reseau::Net modele(int n) {
-    Hasard h(static_cast<std::uint64_t>(n));
-    Chantier c;
-    const int molecules = 2 + (n - 5) * 18 / 195;
-    for (int i = 0; i < n; ++i)
-        for (const int but : {(i + 1) % n, tirer(h, n)}) {
-            std::string pre = nom("q", i);
-            std::string post = nom("q", but);
-            if (tirer(h, 3) != 0) {
-                const int de = tirer(h, molecules - 1);
-                pre += " " + nom("m", de) + "*" + std::to_string(1 + tirer(h, 3));
-                post += " " + nom("m", de + 1 + tirer(h, molecules - de - 1)) + "*" + std::to_string(1 + tirer(h, 3));
-            }
-            c.tr(pre, post);
-        }
-    std::string marquage = "q0";
-    Reseau::Compte jetons = 1;
-    for (int m = 0; m < molecules; ++m, jetons = jetons % 1'000'000'000 * 10)
-        if (jetons > 0 && tirer(h, 2) == 0) marquage += " " + nom("m", m) + "*" + std::to_string(jetons);
-    c.tr("depart", marquage + " m0*" + std::to_string(n % 2 == 0 ? 1'000'000'000 : 1000));
-    c.pl("depart", 1);
-    return c.finir();
+/// A model whose rules put later kinds, with `jetons` molecules of each kind that is present at the start.
+template <int NOEUDS, int MOLECULES>
+Reseau::Net modele(int jetons) {
+    return modeleAuHasard(Genre::ETAGE, NOEUDS, MOLECULES, 100 * NOEUDS + MOLECULES, jetons);
 }
 
 }  // namespace
 
 /// Two arcs leave each node, one of them to the next; two in three carry a rule that takes one or two kinds of
-/// molecules and puts up to two. One or two nodes are initial, with each kind present at odds of one half, 1 to 10^9 of
-/// it, small numbers as likely as large ones.
-Reseau::Net modeleAuHasard(Genre genre, int noeuds, int molecules, std::uint64_t graine) {
+/// molecules and puts up to two. One or two nodes are initial, with each kind present at odds of one half: `jetons` of
+/// it, or else 1 to 10^9, small numbers as likely as large ones.
+Reseau::Net modeleAuHasard(Genre genre, int noeuds, int molecules, std::uint64_t graine,
+                           std::optional<Reseau::Compte> jetons) {
     Hasard h(graine);
     Chantier c;
     const auto regle = [&](std::string& pre, std::string& post) {
@@ -272,9 +252,9 @@ Reseau::Net modeleAuHasard(Genre genre, int noeuds, int molecules, std::uint64_t
         std::string marquage = nom("q", tirer(h, noeuds));
         for (int m = 0; m < molecules; ++m) {
             if (tirer(h, 2) == 0) continue;
-            Reseau::Compte jetons = 1 + tirer(h, 9);
-            for (int zeros = tirer(h, 9); zeros > 0; --zeros) jetons = jetons * 10 + tirer(h, 10);
-            marquage += " " + nom("m", m) + "*" + std::to_string(jetons);
+            Reseau::Compte tires = 1 + tirer(h, 9);
+            for (int chiffres = tirer(h, 9); chiffres > 0; --chiffres) tires = tires * 10 + tirer(h, 10);
+            marquage += " " + nom("m", m) + "*" + std::to_string(jetons.value_or(tires));
         }
         c.tr("depart", marquage);
     }
@@ -298,6 +278,7 @@ void ecrire(std::ostream& out, const Reseau::Net& net) {
 }
 
 const std::vector<Famille>& toutes() {
+    const std::vector<int> jetons{1, 1000, 1'000'000, 1'000'000'000};
     static const std::vector<Famille> liste{
         {"kanban", kanban, {1, 2, 3, 4, 100, 1'000'000}},
         {"fms", fms, {1, 2, 3, 100, 1'000'000}},
@@ -307,10 +288,38 @@ const std::vector<Famille>& toutes() {
         {"swimming pool", piscine, {1, 5, 20, 100'000}},
         {"buffers", tampons, {5, 20, 100, 1000}},
         {"n-bit counter", compteur, {2, 4, 8, 12}},
-        {"random", hasard, {15, 25, 35, 45, 55, 65, 75, 85, 95}},
-        {"model", modele, {5, 6, 10, 11, 20, 50, 100, 200}},
+        {"random", hasard<0>, {15, 25, 35, 45, 55, 65, 75, 85, 95}},
+        {"random, seed 1", hasard<1>, {15, 25, 35, 45, 55, 65, 75, 85, 95}},
+        {"random, seed 2", hasard<2>, {15, 25, 35, 45, 55, 65, 75, 85, 95}},
+        {"model 5/2", modele<5, 2>, jetons},
+        {"model 5/20", modele<5, 20>, jetons},
+        {"model 10/4", modele<10, 4>, jetons},
+        {"model 20/8", modele<20, 8>, jetons},
+        {"model 50/2", modele<50, 2>, jetons},
+        {"model 50/12", modele<50, 12>, jetons},
+        {"model 100/6", modele<100, 6>, jetons},
+        {"model 100/20", modele<100, 20>, jetons},
+        {"model 200/2", modele<200, 2>, jetons},
+        {"model 200/20", modele<200, 20>, jetons},
     };
     return liste;
+}
+
+const std::vector<Serie>& series() {
+    static const std::vector<Serie> liste = [] {
+        std::vector<Serie> resultat;
+        for (const auto& [genre, regles] :
+             {std::pair(Genre::ETAGE, "into later kinds"), std::pair(Genre::ECONOME, "no more than taken"),
+              std::pair(Genre::LIBRE, "anything")})
+            for (const int noeuds : {3, 5, 8, 12, 20, 50, 100, 200}) resultat.push_back({genre, regles, noeuds});
+        return resultat;
+    }();
+    return liste;
+}
+
+Reseau::Net Serie::net(int i) const {
+    return modeleAuHasard(genre, noeuds, 2 + (i * 7 + noeuds) % std::min(19, noeuds),
+                          static_cast<std::uint64_t>(noeuds * 1000 + i));
 }
 
 }  // namespace familles

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -21,12 +22,23 @@ struct Famille {
 enum class Genre { ETAGE, ECONOME, LIBRE };
 
 /// A model as the editor translates it, with up to 10^9 molecules of a kind. The same arguments give the same net.
-Reseau::Net modeleAuHasard(Genre genre, int noeuds, int molecules, std::uint64_t graine);
+/// @param jetons of each kind that is present at the start, in place of a random number
+Reseau::Net modeleAuHasard(Genre genre, int noeuds, int molecules, std::uint64_t graine,
+                           std::optional<Reseau::Compte> jetons = std::nullopt);
+
+/// Random models with the same kind of rules and the same number of nodes, as many as one likes.
+struct Serie {
+    Genre genre;
+    std::string regles;  ///< what they put
+    int noeuds;
+    Reseau::Net net(int i) const;
+};
+const std::vector<Serie>& series();
 
 /// Writes a net in the analyser's format.
 void ecrire(std::ostream& out, const Reseau::Net& net);
 
-/// All families, each with the parameters of the table.
+/// All families, each with the parameters of the table; "model A/B" has A nodes, B kinds of molecules, and n of each.
 const std::vector<Famille>& toutes();
 
 }  // namespace familles

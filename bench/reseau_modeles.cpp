@@ -60,37 +60,28 @@ void garder(const std::string& fichier, const Reseau::Net& net) {
 int main(int argc, char** argv) {
     const unsigned secondes = argc > 1 ? static_cast<unsigned>(std::atoi(argv[1])) : 3;
     const int modeles = argc > 2 ? std::atoi(argv[2]) : 10;
-    const struct {
-        familles::Genre genre;
-        const char* nom;
-    } genres[] = {{familles::Genre::ETAGE, "into later kinds"},
-                  {familles::Genre::ECONOME, "no more than taken"},
-                  {familles::Genre::LIBRE, "anything"}};
     int total = 0;
     int repondus = 0;
     std::printf("%-20s %6s | %8s %8s %8s\n", "rules put", "nodes", "answered", "median", "longest");
-    for (const auto& g : genres)
-        for (const int noeuds : {3, 5, 8, 12, 20, 50, 100, 200}) {
-            std::vector<double> durees;
-            for (int i = 0; i < modeles; ++i) {
-                const int molecules = 2 + (i * 7 + noeuds) % std::min(19, noeuds);
-                const auto graine = static_cast<std::uint64_t>(noeuds * 1000 + i);
-                const Reseau::Net net = familles::modeleAuHasard(g.genre, noeuds, molecules, graine);
-                if (const auto duree = mesurer(net, secondes))
-                    durees.push_back(*duree);
-                else if (argc > 3)
-                    garder(std::string(argv[3]) + "/" + std::to_string(static_cast<int>(g.genre)) + "-" +
-                               std::to_string(noeuds) + "-" + std::to_string(i) + ".net",
-                           net);
-            }
-            std::ranges::sort(durees);
-            std::printf("%-20s %6d | %4zu/%-3d", g.nom, noeuds, durees.size(), modeles);
-            if (!durees.empty()) std::printf(" %8.3f %8.3f", durees[durees.size() / 2], durees.back());
-            std::printf("\n");
-            std::fflush(stdout);
-            total += modeles;
-            repondus += static_cast<int>(durees.size());
+    for (const familles::Serie& serie : familles::series()) {
+        std::vector<double> durees;
+        for (int i = 0; i < modeles; ++i) {
+            const Reseau::Net net = serie.net(i);
+            if (const auto duree = mesurer(net, secondes))
+                durees.push_back(*duree);
+            else if (argc > 3)
+                garder(std::string(argv[3]) + "/" + std::to_string(static_cast<int>(serie.genre)) + "-" +
+                           std::to_string(serie.noeuds) + "-" + std::to_string(i) + ".net",
+                       net);
         }
+        std::ranges::sort(durees);
+        std::printf("%-20s %6d | %4zu/%-3d", serie.regles.c_str(), serie.noeuds, durees.size(), modeles);
+        if (!durees.empty()) std::printf(" %8.3f %8.3f", durees[durees.size() / 2], durees.back());
+        std::printf("\n");
+        std::fflush(stdout);
+        total += modeles;
+        repondus += static_cast<int>(durees.size());
+    }
     std::printf("%d of %d answered\n", repondus, total);
     return 0;
 }

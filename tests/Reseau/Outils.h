@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <random>
 #include <string>
@@ -55,8 +54,5 @@ struct Resultat {
 /// Runs the built analyser through the shell, after the commands `avant`: `tina ARGUMENTS` with this standard
 /// input, which stands in the working directory as the file "entree", too.
 Resultat lancer(const std::string& arguments, const std::string& entree, const std::string& avant = "");
-
-/// Every place's largest count in a report's marking lines, "w" as -1; places without tokens are missing.
-std::map<std::string, long long> comptesDuRapport(const std::string& rapport);
 
 }  // namespace essai

@@ -16,6 +16,7 @@
 #include <thread>
 
 #include "Outils.h"
+#include "Rapport.h"
 
 namespace {
 

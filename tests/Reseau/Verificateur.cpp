@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "Outils.h"
+#include "Rapport.h"
 
 namespace essai {
 
@@ -24,18 +24,30 @@ struct Faux : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-void exiger(bool vrai, const std::string& quoi) {
-    if (!vrai) throw Faux(quoi);
+void exiger(bool vrai, const char* quoi, const std::string& deQui = "") {
+    if (!vrai) throw Faux(quoi + deQui);
+}
+
+Entier somme(Entier a, Entier b) {
+    Entier s = 0;
+    exiger(!__builtin_add_overflow(a, b, &s), "a sum beyond 128 bits");
+    return s;
+}
+
+Entier produit(Entier a, Entier b) {
+    Entier p = 0;
+    exiger(!__builtin_mul_overflow(a, b, &p), "a product beyond 128 bits");
+    return p;
 }
 
 Entier nombre(const std::string& texte) {
     if (texte == "w") return W;
-    exiger(!texte.empty(), "a number is missing");
-    const bool moins = texte[0] == '-';
+    const bool moins = texte.starts_with('-');
+    exiger(texte.size() > (moins ? 1 : 0), "a number is missing");
     Entier n = 0;
     for (std::size_t i = moins ? 1 : 0; i < texte.size(); ++i) {
-        exiger(texte[i] >= '0' && texte[i] <= '9', "not a number: " + texte);
-        n = n * 10 + (texte[i] - '0');
+        exiger(texte[i] >= '0' && texte[i] <= '9', "not a number: ", texte);
+        n = somme(produit(n, 10), texte[i] - '0');
     }
     return moins ? -n : n;
 }
@@ -84,12 +96,12 @@ private:
     void verifierEnsemble();
     void verifierSansBorne(const Mots& m);
     void verifierBorne(const Mots& m);
-    void verifierMajorant(const Mots& m, const Vecteur& somme, std::optional<Entier> borne);
+    void verifierMajorant(const Mots& m, const Vecteur& visee, std::optional<Entier> borne);
     void verifierMarquages() const;
-    Entier cas(const Vecteur& somme);
+    Entier cas(const Vecteur& visee);
     struct Contrainte;
     void depart(const Mots& m, std::vector<Contrainte>& premier, Contrainte& second) const;
-    Entier ferme(const Mots& m, const Vecteur& somme) const;
+    Entier ferme(const Mots& m, const Vecteur& visee);
 
     bool concerne(const Transition& t) const;
     void tirer(const std::string& nom, Entier fois, Vecteur& m) const;
@@ -112,6 +124,7 @@ private:
     std::size_t ici_ = 0;
 
     std::set<std::string> mortes_;
+    std::set<std::string> constantes_;      // places that keep their count
     std::map<std::string, Entier> bornes_;  // proved, by place
     bool unePartieSansBorne_ = false;
     std::set<std::string> reparties_;  // places of the parts so far
@@ -119,9 +132,11 @@ private:
     // Of the part under way.
     std::set<std::string> partie_;
     Mots tirees_;
+    std::map<std::string, std::map<std::string, Entier>> effets_;  // of these, by place and transition
     std::set<std::string> jeton_;
     std::map<std::string, Omega> omegas_;
     std::vector<Vecteur> ensemble_;
+    Vecteur maxima_;  // over the set
     struct Contrainte {
         std::map<std::string, Entier> forme;  // by transition
         Entier constante = 0;
@@ -193,11 +208,14 @@ void Verification::verifierMortes() {
             return b.second > 0 && (!marquables.contains(b.first) ||
                                     (!changeantes.contains(b.first) && b.second > lire(initial_, b.first)));
         });
-        exiger(manque, "not dead: " + nom);
+        exiger(manque, "not dead: ", nom);
     }
     // What no transition changes keeps its count.
     for (const std::string& p : places_)
-        if (!changeantes.contains(p)) bornes_[p] = lire(initial_, p);
+        if (!changeantes.contains(p)) {
+            constantes_.insert(p);
+            bornes_[p] = lire(initial_, p);
+        }
 }
 
 bool Verification::concerne(const Transition& t) const {
@@ -217,31 +235,33 @@ void Verification::verifierTirees() {
         listees.insert({dansPartie(transitions_.at(nom).pre), dansPartie(transitions_.at(nom).effet)});
     for (const auto& [nom, t] : transitions_) {
         if (mortes_.contains(nom) || !concerne(t)) continue;
-        exiger(listees.contains({dansPartie(t.pre), dansPartie(t.effet)}), "not among the part's transitions: " + nom);
+        exiger(listees.contains({dansPartie(t.pre), dansPartie(t.effet)}), "not among the part's transitions: ", nom);
     }
 }
 
 /// The places hold one token together at the start, and no transition takes or puts more, or one without the other.
 void Verification::verifierJeton(const Mots& m) {
     jeton_ = {m.begin() + 1, m.end()};
-    const auto somme = [this](const Vecteur& v) {
+    const auto jetons = [this](const Vecteur& v) {
         Entier n = 0;
         for (const std::string& p : jeton_) n += lire(v, p);
         return n;
     };
     exiger(std::ranges::all_of(jeton_, [this](const std::string& p) { return partie_.contains(p); }),
            "the token leaves the part");
-    exiger(somme(initial_) == 1, "there is not one token");
+    exiger(jetons(initial_) == 1, "there is not one token");
     for (const std::string& nom : tirees_) {
         const Transition& t = transitions_.at(nom);
-        exiger(somme(t.pre) <= 1 && somme(t.effet) == 0, "the token is not kept by " + nom);
+        exiger(jetons(t.pre) <= 1 && jetons(t.effet) == 0, "the token is not kept by ", nom);
     }
 }
 
 void Verification::tirer(const std::string& nom, Entier fois, Vecteur& m) const {
     for (const auto& [p, n] : transitions_.at(nom).effet) {
         Entier& ici = m[p];
-        if (ici < W / 2) ici += n * fois;
+        if (ici == W) continue;
+        ici = somme(ici, produit(n, fois));
+        exiger(ici > -W && ici < W, "a count beyond all measure");
     }
 }
 
@@ -254,10 +274,10 @@ Vecteur Verification::suivre(const Mots& course, Vecteur m) const {
     for (std::size_t i = 0; i < course.size(); ++i) {
         if (course[i][0] == '*') {
             const Omega& o = omegas_.at(course[i].substr(1));
-            for (const auto& [p, n] : o.besoin) exiger(lire(m, p) >= n, "an acceleration lacks " + p);
+            for (const auto& [p, n] : o.besoin) exiger(lire(m, p) >= n, "an acceleration lacks ", p);
             for (const std::string& p : o.monte) m[p] = W;
         } else if (course[i][0] != '(') {
-            exiger(tirable(course[i]), "not enabled: " + course[i]);
+            exiger(tirable(course[i]), "not enabled: ", course[i]);
             tirer(course[i], 1, m);
         } else {
             std::vector<std::pair<std::string, Entier>> bloc;
@@ -274,14 +294,14 @@ Vecteur Verification::suivre(const Mots& course, Vecteur m) const {
             // Each place moves by the same amount each time, so the first and the last time decide, of a transition as
             // of a block.
             const auto elan = [&](const std::string& nom, Entier n) {
-                exiger(tirable(nom), "not enabled in a block: " + nom);
+                exiger(tirable(nom), "not enabled in a block: ", nom);
                 tirer(nom, n - 1, m);
-                exiger(tirable(nom), "not enabled to the end of a block: " + nom);
+                exiger(tirable(nom), "not enabled to the end of a block: ", nom);
                 tirer(nom, 1, m);
             };
             for (const auto& [nom, n] : bloc) elan(nom, n);
             if (fois > 1) {
-                for (const auto& [nom, n] : bloc) tirer(nom, n * (fois - 2), m);
+                for (const auto& [nom, n] : bloc) tirer(nom, produit(n, fois - 2), m);
                 for (const auto& [nom, n] : bloc) elan(nom, n);
             }
         }
@@ -297,37 +317,53 @@ void Verification::verifierOmega(const Mots& m) {
     for (; m.at(i) != "needs"; ++i) o.monte.insert(m[i]);
     for (++i; m.at(i) != "by"; ++i) o.besoin.insert(poids(m[i]));
     const Mots course(m.begin() + static_cast<std::ptrdiff_t>(i) + 1, m.end());
-    for (const auto& [p, n] : initial_)  // constant places outside the part are there all the time
-        if (!partie_.contains(p)) o.besoin[p] = n;
-    const Vecteur apres = suivre(course, o.besoin);
+    for (const auto& [p, n] : o.besoin) exiger(partie_.contains(p), "a place of another part: ", p);
+    Vecteur avant = o.besoin;
+    for (const std::string& p : constantes_)
+        if (!partie_.contains(p)) avant[p] = lire(initial_, p);
+    const Vecteur apres = suivre(course, avant);
     std::set<std::string> touchees = o.monte;
     for (const auto& [p, n] : apres) touchees.insert(p);
     for (const std::string& p : touchees) {
-        exiger(lire(apres, p) >= lire(o.besoin, p), "an acceleration takes " + p);
-        if (o.monte.contains(p)) exiger(lire(apres, p) > lire(o.besoin, p), "an acceleration does not raise " + p);
+        exiger(lire(apres, p) >= lire(avant, p), "an acceleration takes ", p);
+        if (o.monte.contains(p)) exiger(lire(apres, p) > lire(avant, p), "an acceleration does not raise ", p);
     }
     omegas_[m.at(1)] = o;
 }
 
-/// The set covers the initial marking and every successor of its members, as far as the part's places go.
+/// The set covers the initial marking and every successor of its members, as far as the part's places go. Most
+/// successors are members; the others are looked for from where the last one was found.
 void Verification::verifierEnsemble() {
-    const auto couverte = [&](const Vecteur& m) {
-        return std::ranges::any_of(ensemble_, [&](const Vecteur& e) {
-            return std::ranges::all_of(
-                m, [&](const auto& v) { return !partie_.contains(v.first) || lire(e, v.first) >= v.second; });
-        });
+    std::map<std::string, std::size_t> numeros;
+    for (const std::string& p : partie_) numeros.emplace(p, numeros.size());
+    const auto dense = [&](const Vecteur& v) {
+        std::vector<Entier> d(numeros.size(), 0);
+        for (const auto& [p, n] : v)
+            if (const auto i = numeros.find(p); i != numeros.end()) d[i->second] = n;
+        return d;
     };
-    exiger(couverte(initial_), "the set does not cover the start");
-    for (const Vecteur& e : ensemble_)
-        for (const std::string& nom : tirees_) {
-            const Transition& t = transitions_.at(nom);
-            const bool tirable = std::ranges::all_of(
-                t.pre, [&](const auto& b) { return !partie_.contains(b.first) || lire(e, b.first) >= b.second; });
-            if (!tirable) continue;
-            Vecteur suivant = e;
-            tirer(nom, 1, suivant);
-            exiger(couverte(suivant), "the set does not cover a successor by " + nom);
+    std::vector<std::vector<Entier>> membres;
+    for (const Vecteur& e : ensemble_) membres.push_back(dense(e));
+    const std::set<std::vector<Entier>> exacts(membres.begin(), membres.end());
+    std::size_t dernier = 0;
+    const auto couverte = [&](const std::vector<Entier>& m) {
+        if (exacts.contains(m)) return true;
+        for (std::size_t i = 0; i < membres.size(); ++i, dernier = (dernier + 1) % membres.size())
+            if (std::ranges::equal(membres[dernier], m, std::ranges::greater_equal())) return true;
+        return false;
+    };
+    exiger(couverte(dense(initial_)), "the set does not cover the start");
+    for (const std::string& nom : tirees_) {
+        const std::vector<Entier> pre = dense(transitions_.at(nom).pre);
+        const std::vector<Entier> effet = dense(transitions_.at(nom).effet);
+        for (const std::vector<Entier>& membre : membres) {
+            if (!std::ranges::equal(membre, pre, std::ranges::greater_equal())) continue;
+            std::vector<Entier> suivant = membre;
+            for (std::size_t p = 0; p < suivant.size(); ++p)
+                if (suivant[p] != W) suivant[p] = somme(suivant[p], effet[p]);
+            exiger(couverte(suivant), "the set does not cover a successor by ", nom);
         }
+    }
 }
 
 void Verification::verifierSansBorne(const Mots& m) {
@@ -337,19 +373,19 @@ void Verification::verifierSansBorne(const Mots& m) {
     const Vecteur apres = suivre(Mots(cycle + 1, m.end()), avant);
     bool plus = false;
     for (const auto& [p, n] : apres) {
-        exiger(n >= lire(avant, p), "the cycle takes " + p);
+        exiger(n >= lire(avant, p), "the cycle takes ", p);
         plus = plus || n > lire(avant, p);
     }
-    for (const auto& [p, n] : avant) exiger(lire(apres, p) >= n, "the cycle takes " + p);
+    for (const auto& [p, n] : avant) exiger(lire(apres, p) >= n, "the cycle takes ", p);
     exiger(plus, "the cycle adds nothing");
     unePartieSansBorne_ = true;
 }
 
-Entier Verification::ferme(const Mots& m, const Vecteur& somme) const {
+Entier Verification::ferme(const Mots& m, const Vecteur& visee) {
     const Entier facteur = nombre(m.at(1));
     exiger(facteur >= 0, "a negative factor");
-    Vecteur y = somme;
-    for (auto& [p, n] : y) n *= facteur;
+    Vecteur y = visee;
+    for (auto& [p, n] : y) n = produit(n, facteur);
     std::map<std::string, Entier> x;  // coefficients of the transitions
     Entier constante = 0;
     for (std::size_t i = 3; i < m.size(); ++i) {
@@ -357,18 +393,18 @@ Entier Verification::ferme(const Mots& m, const Vecteur& somme) const {
         exiger(n > 0, "a multiplier that is not positive");
         if (nom[0] != '*') {
             exiger(partie_.contains(nom), "a place of another part");
-            y[nom] += n;
+            y[nom] = somme(y[nom], n);
             continue;
         }
         const Contrainte& c = contraintes_.at(static_cast<std::size_t>(nombre(nom.substr(1))));
-        constante += n * c.constante;
-        for (const auto& [t, k] : c.forme) x[t] += n * k;
+        constante = somme(constante, produit(n, c.constante));
+        for (const auto& [t, k] : c.forme) x[t] = somme(x[t], produit(n, k));
     }
     for (const auto& [p, n] : y) {
-        constante += n * lire(initial_, p);
-        for (const std::string& t : tirees_) x[t] += n * lire(transitions_.at(t).effet, p);
+        constante = somme(constante, produit(n, lire(initial_, p)));
+        for (const auto& [t, e] : effets_[p]) x[t] = somme(x[t], produit(n, e));
     }
-    for (const auto& [t, n] : x) exiger(n <= 0, "raised by " + t);
+    for (const auto& [t, n] : x) exiger(n <= 0, "raised by ", t);
     exiger(constante <= nombre(m.at(2)), "the total is wrong");
     if (facteur == 0) {
         exiger(constante < 0, "a case that can occur");
@@ -384,7 +420,7 @@ void Verification::depart(const Mots& m, std::vector<Contrainte>& premier, Contr
     exiger(fin <= m.end(), "places are missing");
     const std::set<std::string> u(m.begin() + 2, fin);
     for (const std::string& p : u)
-        exiger(jeton_.contains(p) && lire(initial_, p) == 0, "not a place for the token to come to: " + p);
+        exiger(jeton_.contains(p) && lire(initial_, p) == 0, "not a place for the token to come to: ", p);
     // -1: elsewhere, 0: nowhere, 1: in U
     const auto ou = [&](const std::string& nom, bool apres) {
         const Transition& t = transitions_.at(nom);
@@ -414,9 +450,9 @@ void Verification::depart(const Mots& m, std::vector<Contrainte>& premier, Contr
 }
 
 /// Reads one tree of cases; @return the largest bound of its leaves
-Entier Verification::cas(const Vecteur& somme) {
+Entier Verification::cas(const Vecteur& visee) {
     const Mots m = prochaine();
-    if (m[0] == "close") return ferme(m, somme);
+    if (m[0] == "close") return ferme(m, visee);
     const std::size_t enVigueur = contraintes_.size();
     std::vector<Contrainte> premier;
     Contrainte second;
@@ -436,10 +472,10 @@ Entier Verification::cas(const Vecteur& somme) {
     } else if (m[0] == "departure") {
         depart(m, premier, second);
     } else {
-        exiger(m[0] == "entry", "a case expected, not " + m[0]);
+        exiger(m[0] == "entry", "a case expected, not ", m[0]);
         const std::set<std::string> q(m.begin() + 1, m.end());
         for (const std::string& p : q)
-            exiger(partie_.contains(p) && lire(initial_, p) == 0, "marked at the start: " + p);
+            exiger(partie_.contains(p) && lire(initial_, p) == 0, "marked at the start: ", p);
         second.constante = -1;
         for (const std::string& t : tirees_) {
             const Transition& tr = transitions_.at(t);
@@ -454,24 +490,23 @@ Entier Verification::cas(const Vecteur& somme) {
         }
     }
     contraintes_.insert(contraintes_.end(), premier.begin(), premier.end());
-    const Entier a = cas(somme);
+    const Entier a = cas(visee);
     contraintes_.resize(enVigueur);
     contraintes_.push_back(second);
-    const Entier b = cas(somme);
+    const Entier b = cas(visee);
     contraintes_.resize(enVigueur);
     return std::max(a, b);
 }
 
-void Verification::verifierMajorant(const Mots& m, const Vecteur& somme, std::optional<Entier> borne) {
-    exiger(m[0] == "most", "\"most\" expected, not " + m[0]);
+void Verification::verifierMajorant(const Mots& m, const Vecteur& visee, std::optional<Entier> borne) {
+    exiger(m[0] == "most", "\"most\" expected, not ", m[0]);
     if (m.back() == "set") {
         exiger(!ensemble_.empty(), "there is no set");
-        for (const Vecteur& e : ensemble_)
-            for (const auto& [p, n] : somme)
-                exiger(lire(e, p) <= (borne ? *borne : W - 1), "the set holds more of " + p);
+        for (const auto& [p, n] : visee)
+            exiger(lire(maxima_, p) <= (borne ? *borne : W - 1), "the set holds more of ", p);
         return;
     }
-    const Entier trouve = cas(somme);
+    const Entier trouve = cas(visee);
     exiger(trouve <= nombre(m.at(1)), "the cases show less");
     exiger(!borne || trouve <= *borne, "the cases show less than the bound");
 }
@@ -480,23 +515,27 @@ void Verification::verifierBorne(const Mots& m) {
     const std::string& p = m.at(1);
     const Entier borne = nombre(m.at(2));
     exiger(partie_.contains(p) && m.at(3) == "by", "\"bound PLACE COUNT by\" expected");
-    exiger(lire(suivre(Mots(m.begin() + 4, m.end()), initial_), p) == borne,
-           "the run does not end with the bound of " + p);
+    exiger(lire(suivre(Mots(m.begin() + 4, m.end()), initial_), p) == borne, "the run does not end with the bound of ",
+           p);
     if (borne < W) verifierMajorant(prochaine(), {{p, 1}}, borne);
     bornes_[p] = borne;
 }
 
 void Verification::verifierPartie() {
     const Mots m = prochaine();
-    exiger(m[0] == "part", "\"part\" expected, not " + m[0]);
+    exiger(m[0] == "part", "\"part\" expected, not ", m[0]);
     partie_ = {m.begin() + 1, m.end()};
-    for (const std::string& p : partie_) exiger(reparties_.insert(p).second, "in two parts: " + p);
+    for (const std::string& p : partie_) exiger(reparties_.insert(p).second, "in two parts: ", p);
     tirees_ = prochaine();
     exiger(tirees_[0] == "fires", "\"fires\" expected");
     tirees_.erase(tirees_.begin());
+    effets_.clear();
+    for (const std::string& t : tirees_)
+        for (const auto& [p, n] : transitions_.at(t).effet) effets_[p][t] = n;
     jeton_.clear();
     omegas_.clear();
     ensemble_.clear();
+    maxima_.clear();
     verifierTirees();
     if (commence("token")) verifierJeton(prochaine());
     const bool sansBorneAvant = unePartieSansBorne_;
@@ -508,15 +547,19 @@ void Verification::verifierPartie() {
         Vecteur v;
         const Mots e = prochaine();
         for (std::size_t i = 1; i < e.size(); ++i) v.insert(poids(e[i]));
+        for (const auto& [p, n] : v) {
+            exiger(n >= 0 && n <= W, "not a count: ", p);
+            maxima_[p] = std::max(maxima_[p], n);
+        }
         ensemble_.push_back(v);
     }
     if (!ensemble_.empty()) verifierEnsemble();
     if (verdictSeul_) {
         if (sansBorne) return;
         exiger(prochaine()[0] == "total", "\"total\" expected");
-        Vecteur somme;
-        for (const std::string& p : partie_) somme[p] = 1;
-        verifierMajorant(prochaine(), somme, std::nullopt);
+        Vecteur toutes;
+        for (const std::string& p : partie_) toutes[p] = 1;
+        verifierMajorant(prochaine(), toutes, std::nullopt);
         for (const std::string& p : partie_) bornes_[p] = 0;  // finite is all that is claimed
         return;
     }
@@ -531,11 +574,11 @@ void Verification::verifierPartie() {
 /// Every place has a proved bound, the marking lines show it, and no more.
 void Verification::verifierMarquages() const {
     for (const std::string& p : places_) {
-        exiger(bornes_.contains(p), "no bound for " + p);
+        exiger(bornes_.contains(p), "no bound for ", p);
         const auto montree = montrees_.find(p);
         const Entier vue = montree == montrees_.end() ? 0 : montree->second == -1 ? W : montree->second;
-        exiger(vue == bornes_.at(p), "the marking lines do not show the bound of " + p);
-        exiger(!bornee_ || vue < W, "bounded, but not " + p);
+        exiger(vue == bornes_.at(p), "the marking lines do not show the bound of ", p);
+        exiger(!bornee_ || vue < W, "bounded, but not ", p);
     }
 }
 
@@ -545,7 +588,7 @@ void Verification::verifier() {
     exiger(bornee_ == !unePartieSansBorne_, "the verdict is not what the parts show");
     if (!verdictSeul_) return verifierMarquages();
     if (bornee_)
-        for (const std::string& p : places_) exiger(bornes_.contains(p), "in no part: " + p);
+        for (const std::string& p : places_) exiger(bornes_.contains(p), "in no part: ", p);
 }
 
 }  // namespace
