@@ -7,6 +7,10 @@
 //              fired; or a transition that enters Q from outside is fired.
 //   departure  a set U of places of the control token (see Jeton.h) is never left, and then no place is below zero when
 //              it is entered, after everything that takes the token elsewhere; or a transition that leaves U is fired.
+//   first, last
+//              transition t is never fired; or it is, and what it needs is there when it is fired for the first or the
+//              last time.
+//   round      no distinction: what follows from the constraints in force because firing counts are integers.
 #pragma once
 
 #include <cstdint>
@@ -19,15 +23,20 @@ namespace Reseau {
 
 /// One node of a proof. A case distinction is followed by its first case and then its second, as in a prefix notation.
 struct Cas {
-    enum Genre { BORNE, SEUIL, NIVEAU, ENTREE, DEPART } genre = BORNE;
+    enum Genre { BORNE, SEUIL, NIVEAU, ENTREE, DEPART, PREMIER, DERNIER, COUPE } genre = BORNE;
     /// BORNE: `facteur` * (the sum of the asked places) + sum of multiplier * constraint <= `total`, where the left
     /// side has no positive coefficient for any transition. With `facteur` 0, `total` is negative: the case cannot
     /// occur. The constraints are the places, then those of the cases above in their order.
     Large facteur = 0;
     Large total = 0;
     std::vector<std::pair<std::uint32_t, Large>> multiplicateurs;
-    /// SEUIL: "transition <= seuil", or "transition >= seuil + 1"; one constraint either way. NIVEAU: the same of
-    /// `places[0]`.
+    /// COUPE: the sum of multiplier * constraint, divided by `facteur` and rounded: each transition's coefficient up,
+    /// then the constant down.
+    /// PREMIER, DERNIER: the sum of multiplier * place, of the places alone, as it is when `transition` is fired for
+    /// the first time or the last: less what it needs; of its own firings none, or all but one, are done; of the others
+    /// it is only known that they are not more than in the end, so that what lowers the sum is left out. In the first
+    /// case one constraint: it is not fired. In the second two: it is; and the sum is not negative. SEUIL: "transition
+    /// <= seuil", or "transition >= seuil + 1"; one constraint either way. NIVEAU: the same of `places[0]`.
     std::uint32_t transition = 0;
     Compte seuil = 0;
     /// ENTREE: the set Q. In the first case one constraint for each transition that needs a place of Q, ascending: it

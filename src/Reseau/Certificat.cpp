@@ -35,6 +35,7 @@ private:
     void ensemble();
     void nonBornee();
     std::size_t pompe(std::size_t numero);
+    void multiplicateurs(const Cas& cas);
     void arbre(const Majoration& majoration);
 
     std::ostream& out_;
@@ -152,9 +153,19 @@ void Redacteur::atteinte(std::uint32_t p) {
     out_ << '\n';
 }
 
+void Redacteur::multiplicateurs(const Cas& cas) {
+    const auto places = static_cast<std::uint32_t>(partie_.places.size());
+    for (const auto& [contrainte, y] : cas.multiplicateurs) {
+        if (contrainte < places)
+            out_ << ' ' << place(contrainte);
+        else
+            out_ << " *" << contrainte - places;
+        out_ << '*' << decimal(y);
+    }
+}
+
 void Redacteur::arbre(const Majoration& majoration) {
     out_ << "most " << decimal(majoration.borne) << " by cases\n";
-    const auto places = static_cast<std::uint32_t>(partie_.places.size());
     for (const Cas& cas : majoration.preuve) {
         switch (cas.genre) {
             case Cas::SEUIL:
@@ -172,15 +183,18 @@ void Redacteur::arbre(const Majoration& majoration) {
                 liste(cas.places);
                 liste(cas.bornees);
                 break;
+            case Cas::PREMIER:
+            case Cas::DERNIER:
+                out_ << (cas.genre == Cas::PREMIER ? "first " : "last ") << transition(cas.transition);
+                multiplicateurs(cas);
+                break;
+            case Cas::COUPE:
+                out_ << "round " << decimal(cas.facteur);
+                multiplicateurs(cas);
+                break;
             case Cas::BORNE:
                 out_ << "close " << decimal(cas.facteur) << ' ' << decimal(cas.total);
-                for (const auto& [contrainte, y] : cas.multiplicateurs) {
-                    if (contrainte < places)
-                        out_ << ' ' << place(contrainte);
-                    else
-                        out_ << " *" << contrainte - places;
-                    out_ << '*' << decimal(y);
-                }
+                multiplicateurs(cas);
                 break;
         }
         out_ << '\n';

@@ -37,6 +37,14 @@
 //         case one, the token never leaves the N places, empty at the start: what takes it from them and elsewhere is
 //         not fired, and when it enters them, after everything that takes it elsewhere, no BOUNDED place is below zero;
 //         case two, what takes it from them and elsewhere is fired
+//     first TRANSITION PLACE*Y...
+//     last TRANSITION PLACE*Y...
+//         case one, it is not fired; case two, it is, and when it is fired for the first or the last time, the sum of Y
+//         times each place is not negative after taking what it needs
+//     round D PLACE*Y... *I*Y...
+//         not a distinction, one tree follows: the sum of Y times each place and Y times the I-th constraint in force,
+//         divided by D, with the coefficients of the transitions rounded up and the constant rounded down, is a
+//         constraint
 //     close F TOTAL PLACE*Y... *I*Y...
 //         F times the bounded sum, plus Y times each place, plus Y times the I-th constraint in force ("*I"), is at
 //         most TOTAL at M0 and raised by no transition
@@ -46,7 +54,9 @@
 // and level K - x and x - K - 1; for entry and departure -x for each transition not fired, in the order of "fires", or
 // else the sum of those of which one is fired - 1. Of a BOUNDED place the constraint is what M0 and the transitions
 // that take the token elsewhere leave; less what those need that bring the token in; plus what those add, if they do,
-// that leave the token alone.
+// that leave the token alone. For first and last -x; and x - 1, then the sum, of which the other transitions only count
+// with what they add to it, and the transition itself not at all with first, and one time less than it is fired with
+// last.
 #pragma once
 
 #include <ostream>

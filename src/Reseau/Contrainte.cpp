@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "Reseau/Simplexe.h"
+
 namespace Reseau {
 
 namespace {
@@ -27,7 +29,50 @@ Contrainte auMoins(Contrainte forme, Compte k) {
     return forme;
 }
 
+void ajouter(Large& somme, Large y, Large c) {
+    Large terme = 0;
+    if (__builtin_mul_overflow(y, c, &terme) || __builtin_add_overflow(somme, terme, &somme)) throw Abandon();
+}
+
+/// a / b for b > 0, rounded down.
+Large plancher(Large a, Large b) { return a / b - (a % b < 0 ? 1 : 0); }
+
+/// The weighted sum of the places when the transition of `cas` is fired for the first or the last time, at the most.
+Contrainte aLInstant(const Net& net, const Cas& cas) {
+    Contrainte c;
+    std::vector<Large> poids(net.places.size(), 0);
+    for (const auto& [p, y] : cas.multiplicateurs) {
+        poids[p] = y;
+        ajouter(c.constante, y, net.initial[p]);
+    }
+    for (const Poids& p : net.transitions[cas.transition].pre) ajouter(c.constante, -poids[p.place], p.compte);
+    for (std::uint32_t t = 0; t < net.transitions.size(); ++t) {
+        Large effet = 0;
+        for (const Poids& e : net.transitions[t].effet) ajouter(effet, poids[e.place], e.compte);
+        if (t == cas.transition && cas.genre == Cas::DERNIER) {
+            ajouter(c.constante, -1, effet);
+            c.forme.emplace_back(t, effet);
+        } else if (t != cas.transition && effet > 0) {
+            c.forme.emplace_back(t, effet);
+        }
+    }
+    return c;
+}
+
 }  // namespace
+
+Contrainte coupe(const Cas& cas, const std::vector<const Contrainte*>& enVigueur, std::size_t transitions) {
+    Large constante = 0;
+    std::vector<Large> forme(transitions, 0);
+    for (const auto& [i, y] : cas.multiplicateurs) {
+        ajouter(constante, y, enVigueur[i]->constante);
+        for (const auto& [t, c] : enVigueur[i]->forme) ajouter(forme[t], y, c);
+    }
+    Contrainte resultat{plancher(constante, cas.facteur), {}};
+    for (std::uint32_t t = 0; t < transitions; ++t)
+        if (const Large c = -plancher(-forme[t], cas.facteur); c != 0) resultat.forme.emplace_back(t, c);
+    return resultat;
+}
 
 bool touche(const Creux& cote, const std::vector<bool>& places) {
     return std::ranges::any_of(cote, [&places](const Poids& p) { return places[p.place]; });
@@ -61,6 +106,7 @@ Contrainte entree(const Net& net, const Jeton& jeton, const std::vector<bool>& u
 std::vector<Contrainte> premierCas(const Net& net, const Jeton* jeton, const Cas& cas) {
     if (cas.genre == Cas::SEUIL) return {auPlus({0, {{cas.transition, 1}}}, cas.seuil)};
     if (cas.genre == Cas::NIVEAU) return {auPlus(etat(net, cas.places[0]), cas.seuil)};
+    if (cas.genre == Cas::PREMIER || cas.genre == Cas::DERNIER) return {auPlus({0, {{cas.transition, 1}}}, 0)};
     const std::vector<bool> dedans = ensemble(net, cas.places);
     std::vector<Contrainte> contraintes;
     for (std::uint32_t t = 0; t < net.transitions.size(); ++t)
@@ -70,9 +116,11 @@ std::vector<Contrainte> premierCas(const Net& net, const Jeton* jeton, const Cas
     return contraintes;
 }
 
-Contrainte secondCas(const Net& net, const Jeton* jeton, const Cas& cas) {
-    if (cas.genre == Cas::SEUIL) return auMoins({0, {{cas.transition, 1}}}, cas.seuil);
-    if (cas.genre == Cas::NIVEAU) return auMoins(etat(net, cas.places[0]), cas.seuil);
+std::vector<Contrainte> secondCas(const Net& net, const Jeton* jeton, const Cas& cas) {
+    if (cas.genre == Cas::SEUIL) return {auMoins({0, {{cas.transition, 1}}}, cas.seuil)};
+    if (cas.genre == Cas::NIVEAU) return {auMoins(etat(net, cas.places[0]), cas.seuil)};
+    if (cas.genre == Cas::PREMIER || cas.genre == Cas::DERNIER)
+        return {auMoins({0, {{cas.transition, 1}}}, 0), aLInstant(net, cas)};
     const std::vector<bool> dedans = ensemble(net, cas.places);
     Contrainte contrainte{-1, {}};
     for (std::uint32_t t = 0; t < net.transitions.size(); ++t) {
@@ -80,7 +128,7 @@ Contrainte secondCas(const Net& net, const Jeton* jeton, const Cas& cas) {
         if (cas.genre == Cas::ENTREE ? !touche(tr.pre, dedans) && touche(tr.post, dedans) : quitte(*jeton, dedans, t))
             contrainte.forme.emplace_back(t, 1);
     }
-    return contrainte;
+    return {contrainte};
 }
 
 }  // namespace Reseau

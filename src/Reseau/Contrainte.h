@@ -23,7 +23,11 @@ Contrainte etat(const Net& net, std::uint32_t place);
 /// The constraints that hold in the first case of a distinction, and in the second.
 /// @param jeton the net's control token; needed for DEPART
 std::vector<Contrainte> premierCas(const Net& net, const Jeton* jeton, const Cas& cas);
-Contrainte secondCas(const Net& net, const Jeton* jeton, const Cas& cas);
+std::vector<Contrainte> secondCas(const Net& net, const Jeton* jeton, const Cas& cas);
+
+/// What a case of the kind COUPE adds to the constraints in force, those of the places first.
+/// @throws Abandon when a number does not fit
+Contrainte coupe(const Cas& cas, const std::vector<const Contrainte*>& enVigueur, std::size_t transitions);
 
 /// The count of `place` when the token enters the set `u` for good, at the least.
 Contrainte entree(const Net& net, const Jeton& jeton, const std::vector<bool>& u, std::uint32_t place);

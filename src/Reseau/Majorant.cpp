@@ -17,16 +17,21 @@ constexpr std::uint64_t TRAVAIL = 4'000'000;            // entries of the dictio
 constexpr std::uint64_t PART = 8;                       // of it that one search of a run may take
 constexpr std::size_t NOEUDS = 64;                      // of one search
 constexpr std::uint64_t CASES_EN_MEMOIRE = 10'000'000;  // of the dictionaries of all open cases
+constexpr std::size_t COUPES = 40;                      // on the way to one case
+constexpr std::size_t PLONGEE = 40;                     // programs solved for one integer solution
 constexpr Large INFINI = static_cast<Large>(1) << 126;
 
 std::uint64_t cases(const Net& net) { return (net.places.size() + 1) * (net.transitions.size() + 1); }
 
-Simplexe programme(const Net& net, std::uint64_t* travail) {
-    Simplexe s(static_cast<std::uint32_t>(net.transitions.size()), travail);
-    for (std::uint32_t p = 0; p < net.places.size(); ++p) {
-        const Contrainte c = etat(net, p);
-        s.contraindre(c.constante, c.forme);
-    }
+std::vector<Contrainte> etats(const Net& net) {
+    std::vector<Contrainte> contraintes;
+    for (std::uint32_t p = 0; p < net.places.size(); ++p) contraintes.push_back(etat(net, p));
+    return contraintes;
+}
+
+Simplexe programme(std::size_t transitions, const std::vector<Contrainte>& etats, std::uint64_t* travail) {
+    Simplexe s(static_cast<std::uint32_t>(transitions), travail);
+    for (const Contrainte& c : etats) s.contraindre(c.constante, c.forme);
     return s;
 }
 
@@ -54,8 +59,10 @@ struct Majorants::Noeud {
     std::optional<Cas> distinction;
     std::uint32_t premier = 0;            // the number of its first case; the second one's is the next
     std::unique_ptr<Simplexe> programme;  // while it is open
-    std::vector<Simplexe::Variable> contraintes;
-    bool finie = false;  // whether it is known where the control token ends
+    std::uint32_t parent = 0;
+    std::vector<Contrainte> contraintes;  // that it adds to its parent's
+    std::size_t coupes = 0;               // on the way to it
+    bool finie = false;                   // whether it is known where the control token ends
 };
 
 struct Majorants::Question {
@@ -70,7 +77,11 @@ struct Majorants::Question {
     Large plafond = -1;  // the largest bound of the cases that are not refined any more
 };
 
-Majorants::Majorants(const Net& net) : net_(net), jeton_(Jeton::trouver(net)), initial_(programme(net, &travail_)) {
+Majorants::Majorants(const Net& net)
+    : net_(net),
+      jeton_(Jeton::trouver(net)),
+      etats_(etats(net)),
+      initial_(programme(net.transitions.size(), etats_, &travail_)) {
     if (!jeton_) return;
     for (std::uint32_t t = 0; t < net.transitions.size(); ++t)
         if (jeton_->de(t) == Jeton::NULLE_PART) return;
@@ -127,7 +138,7 @@ void Majorants::chercher(Question& q) {
         const Simplexe::Issue issue = programme->maximiser(q.forme);
         if (issue == Simplexe::Issue::OPTIMUM) {
             racine.borne = programme->optimum().plancher();
-            racine.fermeture = clore(*programme, {}, issue);
+            racine.fermeture = clore(*programme, issue);
         }
         racine.programme = std::move(programme);
         retenir(q);
@@ -157,18 +168,32 @@ bool Majorants::traiter(Question& q, std::uint32_t numero) {
         const std::optional<Simplexe> moindre = moindresTirs(s, q);
         if (moindre) cas = contradiction(*moindre, false);
         if (!cas) {
-            if (!moindre || !realiser(*moindre, q)) realiser(s, q);
-            if (q.noeuds[numero].borne <= q.minorant) return false;
-            cas = fraction(s);
-            if (!cas && moindre) cas = fraction(*moindre);
-            if (!cas && !q.noeuds[numero].finie) cas = finDuJeton(moindre ? *moindre : s);
+            const std::optional<Simplexe> rond = moindre ? entier(*moindre) : std::nullopt;
+            if (rond) cas = contradiction(*rond, false);
+            if (!cas) {
+                if (rond)
+                    realiser(*rond, q);
+                else if (!moindre || !realiser(*moindre, q))
+                    realiser(s, q);
+                if (q.noeuds[numero].borne <= q.minorant) return false;
+                if (rond) cas = tropTot(*rond);
+                if (!cas && q.noeuds[numero].coupes < COUPES) cas = arrondi(s);
+                if (!cas) cas = fraction(s);
+                if (!cas && moindre) cas = fraction(*moindre);
+                if (!cas && !q.noeuds[numero].finie) cas = finDuJeton(moindre ? *moindre : s);
+            }
         }
     }
     if (!cas) return false;
     q.noeuds[numero].premier = static_cast<std::uint32_t>(q.noeuds.size());
     const Jeton* jeton = jeton_ ? &*jeton_ : nullptr;
-    ouvrir(q, numero, premierCas(net_, jeton, *cas));
-    ouvrir(q, numero, {secondCas(net_, jeton, *cas)});
+    if (cas->genre == Cas::COUPE) {
+        ouvrir(q, numero, {coupe(*cas, enVigueur(q, numero), net_.transitions.size())});
+        ++q.noeuds.back().coupes;
+    } else {
+        ouvrir(q, numero, premierCas(net_, jeton, *cas));
+        ouvrir(q, numero, secondCas(net_, jeton, *cas));
+    }
     // In the second case the token ends where the solution says.
     if (cas->genre == Cas::NIVEAU) q.noeuds.back().finie = true;
     q.noeuds[numero].distinction = std::move(cas);
@@ -181,18 +206,19 @@ void Majorants::ouvrir(Question& q, std::uint32_t parent, std::vector<Contrainte
     Noeud noeud;
     noeud.borne = q.noeuds[parent].borne;
     noeud.fermeture = q.noeuds[parent].fermeture;
-    noeud.contraintes = q.noeuds[parent].contraintes;
     noeud.finie = q.noeuds[parent].finie;
+    noeud.coupes = q.noeuds[parent].coupes;
+    noeud.parent = parent;
+    noeud.contraintes = std::move(contraintes);
     try {
         auto programme = std::make_unique<Simplexe>(*q.noeuds[parent].programme);
-        for (const Contrainte& c : contraintes)
-            noeud.contraintes.push_back(programme->contraindre(c.constante, c.forme));
+        for (const Contrainte& c : noeud.contraintes) programme->contraindre(c.constante, c.forme);
         const Simplexe::Issue issue = noeud.borne == INFINI ? programme->maximiser(q.forme) : programme->reoptimiser();
         if (issue == Simplexe::Issue::OPTIMUM)
             noeud.borne = programme->optimum().plancher();
         else if (issue == Simplexe::Issue::IMPOSSIBLE)
             noeud.borne = -1;
-        if (issue != Simplexe::Issue::INFINI) noeud.fermeture = clore(*programme, noeud.contraintes, issue);
+        if (issue != Simplexe::Issue::INFINI) noeud.fermeture = clore(*programme, issue);
         if (issue != Simplexe::Issue::IMPOSSIBLE) {
             noeud.programme = std::move(programme);
             q.ouverts.emplace(noeud.borne, numero);
@@ -201,6 +227,17 @@ void Majorants::ouvrir(Question& q, std::uint32_t parent, std::vector<Contrainte
         q.plafond = std::max(q.plafond, noeud.borne);
     }
     q.noeuds.push_back(std::move(noeud));
+}
+
+/// The constraints in force, in the order of their variables: of the places, then of the cases from the root down.
+std::vector<const Contrainte*> Majorants::enVigueur(const Question& q, std::uint32_t numero) const {
+    std::vector<std::uint32_t> lignee;
+    for (; numero != 0; numero = q.noeuds[numero].parent) lignee.push_back(numero);
+    std::vector<const Contrainte*> resultat;
+    for (const Contrainte& c : etats_) resultat.push_back(&c);
+    for (auto n = lignee.rbegin(); n != lignee.rend(); ++n)
+        for (const Contrainte& c : q.noeuds[*n].contraintes) resultat.push_back(&c);
+    return resultat;
 }
 
 /// There is no largest value: looks for a run that goes along the ray on which it grows, a few times, so that what can
@@ -324,6 +361,96 @@ std::optional<Cas> Majorants::fraction(const Simplexe& s) const {
     return moindre ? std::optional(cas) : std::nullopt;
 }
 
+/// What the solution contradicts because firing counts are integers.
+std::optional<Cas> Majorants::arrondi(const Simplexe& s) const {
+    const auto coupe = s.coupe();
+    if (!coupe) return std::nullopt;
+    Cas cas;
+    cas.genre = Cas::COUPE;
+    cas.facteur = coupe->diviseur;
+    const auto transitions = static_cast<Simplexe::Variable>(net_.transitions.size());
+    for (const auto& [v, y] : coupe->multiplicateurs)
+        if (v >= transitions) cas.multiplicateurs.emplace_back(v - transitions, y);
+    std::ranges::sort(cas.multiplicateurs);
+    return cas;
+}
+
+/// A transition that is fired when what it needs is not there, the first time or the last, in whatever order the
+/// solution's firings are done.
+std::optional<Cas> Majorants::tropTot(const Simplexe& s) const {
+    std::vector<Compte> comptes(net_.transitions.size());
+    for (std::uint32_t t = 0; t < comptes.size(); ++t) {
+        const Large x = s.valeur(t).plancher();
+        if (x >= OMEGA) return std::nullopt;
+        comptes[t] = static_cast<Compte>(x);
+    }
+    for (const Cas::Genre genre : {Cas::PREMIER, Cas::DERNIER})
+        for (std::uint32_t t = 0; t < comptes.size(); ++t)
+            if (comptes[t] > 0)
+                if (auto cas = instant(comptes, t, genre)) return cas;
+    return std::nullopt;
+}
+
+/// Whether `comptes` contradict that what t needs is there when it is fired for the first or the last time: a linear
+/// program over the firings that may be done before, or come after.
+std::optional<Cas> Majorants::instant(const std::vector<Compte>& comptes, std::uint32_t t, Cas::Genre genre) const {
+    const bool premier = genre == Cas::PREMIER;
+    const auto transitions = static_cast<std::uint32_t>(comptes.size());
+    try {
+        Simplexe s(transitions, &travail_);
+        for (std::uint32_t p = 0; p < net_.places.size(); ++p) {
+            Large constante = net_.initial[p] - Large{valeur(net_.transitions[t].pre, p)};
+            Simplexe::Forme forme;
+            for (const auto& [u, effet] : etats_[p].forme) {
+                if (!premier) constante += effet * (comptes[u] - (u == t ? 1 : 0));
+                if (u != t && comptes[u] > 0) forme.emplace_back(u, premier ? effet : -effet);
+            }
+            s.contraindre(constante, forme);
+        }
+        for (std::uint32_t u = 0; u < transitions; ++u)
+            if (u != t && comptes[u] > 0) s.contraindre(comptes[u], {{u, -1}});
+        if (s.maximiser({}) != Simplexe::Issue::IMPOSSIBLE) return std::nullopt;
+        Cas cas;
+        cas.genre = genre;
+        cas.transition = t;
+        for (const auto& [v, y] : s.multiplicateurs())
+            if (v >= transitions && v < transitions + net_.places.size())
+                cas.multiplicateurs.emplace_back(v - transitions, y);
+        std::ranges::sort(cas.multiplicateurs);
+        return cas;
+    } catch (const Abandon&) {
+        return std::nullopt;
+    }
+}
+
+/// A solution in integers, near the given one and of few firings: thresholds are set, the one with fewer firings first.
+std::optional<Simplexe> Majorants::entier(Simplexe s) const {
+    const auto transitions = static_cast<Simplexe::Variable>(net_.transitions.size());
+    std::vector<Simplexe> pile{std::move(s)};
+    for (std::size_t essai = 0; essai < PLONGEE && !pile.empty(); ++essai) {
+        Simplexe haut = std::move(pile.back());
+        pile.pop_back();
+        std::optional<Simplexe::Variable> t;
+        for (Simplexe::Variable v = 0; v < transitions; ++v)
+            if (!haut.valeur(v).entiere() && (!t || haut.valeur(v).plancher() < haut.valeur(*t).plancher())) t = v;
+        if (!t) return haut;
+        const Large k = haut.valeur(*t).plancher();
+        try {
+            Simplexe bas = haut;
+            bas.contraindre(k, {{*t, -1}});
+            const bool enBas = bas.reoptimiser() == Simplexe::Issue::OPTIMUM;
+            haut.contraindre(-k - 1, {{*t, 1}});
+            const bool enHaut = haut.reoptimiser() == Simplexe::Issue::OPTIMUM;
+            const bool basDAbord = enBas && enHaut && haut.optimum().plancher() < bas.optimum().plancher();
+            if (enBas && !basDAbord) pile.push_back(bas);
+            if (enHaut) pile.push_back(std::move(haut));
+            if (basDAbord) pile.push_back(std::move(bas));
+        } catch (const Abandon&) {
+        }
+    }
+    return std::nullopt;
+}
+
 /// Where the control token ends: there, or elsewhere.
 std::optional<Cas> Majorants::finDuJeton(const Simplexe& s) const {
     if (!jeton_) return std::nullopt;
@@ -387,21 +514,13 @@ bool Majorants::realiser(const Simplexe& s, Question& q) {
 
 /// Writes down why the case is closed: the multipliers of the places and of the constraints in force. Those of the
 /// transitions follow from them.
-Cas Majorants::clore(const Simplexe& s, const std::vector<Simplexe::Variable>& contraintes,
-                     Simplexe::Issue issue) const {
+Cas Majorants::clore(const Simplexe& s, Simplexe::Issue issue) const {
     Cas cas;
     const auto transitions = static_cast<std::uint32_t>(net_.transitions.size());
-    const auto places = static_cast<std::uint32_t>(net_.places.size());
     cas.facteur = issue == Simplexe::Issue::OPTIMUM ? s.optimum().denominateur : 0;
     cas.total = s.optimum().numerateur;
-    for (const auto& [v, y] : s.multiplicateurs()) {
-        if (v < transitions) continue;
-        const auto contrainte =
-            v < transitions + places
-                ? v - transitions
-                : places + static_cast<std::uint32_t>(std::ranges::find(contraintes, v) - contraintes.begin());
-        cas.multiplicateurs.emplace_back(contrainte, y);
-    }
+    for (const auto& [v, y] : s.multiplicateurs())
+        if (v >= transitions) cas.multiplicateurs.emplace_back(v - transitions, y);
     std::ranges::sort(cas.multiplicateurs);
     return cas;
 }
@@ -415,7 +534,7 @@ void Majorants::rediger(const Question& q, std::uint32_t numero, Large borne, st
     }
     preuve.push_back(*noeud.distinction);
     rediger(q, noeud.premier, borne, preuve);
-    rediger(q, noeud.premier + 1, borne, preuve);
+    if (noeud.distinction->genre != Cas::COUPE) rediger(q, noeud.premier + 1, borne, preuve);
 }
 
 }  // namespace Reseau

@@ -2,7 +2,8 @@
 // so the largest value of a place over all integers x >= 0 with M0 + C x >= 0 bounds it. The linear relaxation is
 // solved exactly, and where its solution is not the count vector of any run, cases are distinguished that every run
 // falls into (see Cas.h). The case that promises most is always looked at first, so that the first one whose solution
-// is free of contradictions is the best that there is; the runs are looked for there.
+// is free of contradictions is the best that there is; the runs are looked for there. Counts are integers, so what
+// follows from the constraints is rounded where that lowers the bound (see Simplexe.h).
 //
 // Sources: T. Murata, "Petri nets: properties, analysis and applications", Proc. IEEE 77 (1989), for the state
 // equation; A. H. Land, A. G. Doig, "An automatic method of solving discrete programming problems", Econometrica 28
@@ -61,23 +62,29 @@ private:
     void retenir(const Question& q);
     void chercher(Question& q);
     void ouvrir(Question& q, std::uint32_t parent, std::vector<Contrainte> contraintes);
+    std::vector<const Contrainte*> enVigueur(const Question& q, std::uint32_t numero) const;
     bool traiter(Question& q, std::uint32_t numero);
     void pomper(const Simplexe& s, const Question& q);
     std::optional<Cas> contradiction(const Simplexe& s, bool infinie) const;
     std::vector<std::uint32_t> jamaisEntre(const std::vector<bool>& tirees) const;
     std::optional<Cas> jamaisQuitte(const Simplexe& s, const std::vector<bool>& tirees) const;
     std::optional<Cas> fraction(const Simplexe& s) const;
+    std::optional<Cas> arrondi(const Simplexe& s) const;
+    std::optional<Cas> tropTot(const Simplexe& s) const;
+    std::optional<Cas> instant(const std::vector<Compte>& comptes, std::uint32_t t, Cas::Genre genre) const;
+    std::optional<Simplexe> entier(Simplexe s) const;
     std::optional<Cas> finDuJeton(const Simplexe& s) const;
     std::optional<Simplexe> moindresTirs(const Simplexe& s, const Question& q) const;
     void courir(const Question& q, const std::vector<Compte>& comptes, std::uint32_t place, Compte but);
     bool realiser(const Simplexe& s, Question& q);
-    Cas clore(const Simplexe& s, const std::vector<Simplexe::Variable>& contraintes, Simplexe::Issue issue) const;
+    Cas clore(const Simplexe& s, Simplexe::Issue issue) const;
     void rediger(const Question& q, std::uint32_t numero, Large borne, std::vector<Cas>& preuve) const;
 
     const Net& net_;
     const std::optional<Jeton> jeton_;
     std::optional<Promenade> promenade_;  // when every transition moves the token
-    std::uint64_t travail_ = 0;
+    mutable std::uint64_t travail_ = 0;
+    const std::vector<Contrainte> etats_;  // the state equation of each place
     // Each question starts here, from "nothing is fired": solutions without needless firings are the easier ones to
     // turn into runs, and the dictionary is at its sparsest.
     const Simplexe initial_;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <numeric>
 
 namespace Reseau {
@@ -33,6 +34,19 @@ Large pgcd(Large a, Large b) {
         b = reste;
     }
     return b == 0 ? a : std::gcd(static_cast<std::int64_t>(a), static_cast<std::int64_t>(b));
+}
+
+constexpr Large PREMIERS[] = {2, 3, 5, 7, 11, 13, 17, 19, 23, 29, 31, 37, 41, 43, 47};
+constexpr Large GRANDE = 100;  // powers of these that are tried
+
+Large modulo(Large a, Large p) { return a % p < 0 ? a % p + p : a % p; }
+
+/// A number whose product with a is the greatest common divisor of a and the small number q, modulo q.
+Large inverse(Large a, Large q) {
+    const Large g = pgcd(a, q);
+    Large i = 1;
+    while (a * i % q != g) ++i;
+    return i;
 }
 
 }  // namespace
@@ -249,6 +263,52 @@ Simplexe::Forme Simplexe::multiplicateurs() const {
         if (ligne[j] != 0) y.emplace_back(horsBase_[j], -ligne[j]);
     if (issue_ == Issue::IMPOSSIBLE) y.emplace_back(base_[temoin_], ligne.denominateur);
     return y;
+}
+
+/// By how much the cut that `ligne` gives lowers the optimum at least. Only a preference, so it may be rounded.
+double Simplexe::baisse(const Ligne& ligne, Large diviseur, Large facteur) const {
+    const auto reste = [&](std::size_t j) {
+        return static_cast<double>(modulo(modulo(ligne[j], diviseur) * facteur, diviseur));
+    };
+    const double manque = static_cast<double>(diviseur) - reste(0);
+    double moindre = std::numeric_limits<double>::infinity();
+    for (std::size_t j = 1; j < ligne.entrees.size(); ++j)
+        if (const double r = reste(j); r > 0)
+            moindre = std::min(moindre, -static_cast<double>(lignes_[0][j]) * manque / r);
+    return moindre;
+}
+
+/// A line, times what makes its denominator a small power q of a prime that its constant is no multiple of: when it is
+/// rounded, the multiples of q among its coefficients vanish, the constant does not. The same holds for what is
+/// a multiple of it modulo q; of these one is taken whose constant is rounded most.
+std::optional<Simplexe::Coupe> Simplexe::coupe() const {
+    const Ligne* meilleure = nullptr;
+    Large diviseur = 0;
+    Large facteur = 0;
+    double plusGrande = -1;
+    for (std::size_t i = 1; i < lignes_.size(); ++i) {
+        const Ligne& ligne = lignes_[i];
+        if (ligne.denominateur == 1) continue;
+        for (const Large p : PREMIERS) {
+            Large q = p;
+            while (q < GRANDE && ligne.denominateur % q == 0 && ligne[0] % q == 0) q *= p;
+            if (ligne.denominateur % q != 0 || ligne[0] % q == 0) continue;
+            const Large c = inverse(modulo(ligne[0], q), q);
+            const double ici = baisse(ligne, q, c);
+            *travail_ -= std::min<std::uint64_t>(*travail_, ligne.entrees.size());
+            if (ici <= plusGrande) continue;
+            plusGrande = ici;
+            meilleure = &ligne;
+            diviseur = q;
+            facteur = c;
+        }
+    }
+    if (meilleure == nullptr) return std::nullopt;
+    Coupe resultat{diviseur, {}};
+    for (std::size_t j = 1; j < horsBase_.size(); ++j)
+        if (const Large r = modulo(modulo((*meilleure)[j], diviseur) * facteur, diviseur); r != 0)
+            resultat.multiplicateurs.emplace_back(horsBase_[j], r);
+    return resultat;
 }
 
 Fraction Simplexe::croissance(Variable v) const {

@@ -10,6 +10,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -63,6 +64,16 @@ public:
     /// After IMPOSSIBLE: those with sum of y[v] * v = a negative number.
     /// Only variables with a multiplier that is not 0 are listed.
     Forme multiplicateurs() const;
+    /// The sum of multiplier * variable, for variables that are zero now, divided by `diviseur` and rounded.
+    struct Coupe {
+        Large diviseur;
+        Forme multiplicateurs;
+    };
+    /// After OPTIMUM: what holds for integers and not for this solution, and lowers the optimum most, as far as the
+    /// first step of the dual method tells. Nothing when the solution is integral, or when denominators have no small
+    /// prime factor. Source: A. Caprara, M. Fischetti, A. Letchford, "On the separation of maximally violated mod-k
+    /// cuts", Mathematical Programming 87 (2000).
+    std::optional<Coupe> coupe() const;
     /// After INFINI: how much the variable grows along a ray on which there is no largest value.
     Fraction croissance(Variable v) const;
     /// After INFINI: whether the variable grows, or is positive already.
@@ -85,6 +96,7 @@ private:
     void pivoter(std::size_t ligne, std::size_t colonne);
     std::size_t sortante(std::size_t colonne, bool bland) const;
     std::size_t entrante(std::size_t ligne, bool bland) const;
+    double baisse(const Ligne& ligne, Large diviseur, Large facteur) const;
 
     std::uint64_t* travail_;
     std::vector<Ligne> lignes_;       // line 0 is the objective

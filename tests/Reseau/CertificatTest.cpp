@@ -136,6 +136,18 @@ TEST(Certificat, ProofsOfNetsWithBillionsOfTokensAreAccepted) {
     EXPECT_NE(essai::verifier(pompe, sansBulk, false), "");
 }
 
+/// Each round takes one of m for one of c, but it takes four and gives three back: the last one needs four.
+TEST(Certificat, TheLastFiringOfATransitionNeedsWhatItTakes) {
+    const std::string net = "tr i q0 -> q1 m*1000000000\ntr a q1 m*4 -> q2 c\ntr b q2 -> q1 m*3\npl q0 (1)\n";
+    const std::string r = rapport(net, {.preuves = true, .essai = 10});
+    EXPECT_EQ(essai::verifier(net, r, false), "") << r;
+    EXPECT_NE(r.find("bound c 999999997"), std::string::npos) << r;
+    const std::size_t ou = r.find("last a");
+    ASSERT_NE(ou, std::string::npos) << r;
+    for (const std::string faux : {"first a", "last b", "last i"})
+        EXPECT_NE(essai::verifier(net, std::string(r).replace(ou, 6, faux), false), "") << faux;
+}
+
 TEST(Certificat, TheCheckerAcceptsWhatIsTrueAndRejectsEveryFalsifiedLine) {
     const Reseau::Options parEquation{.preuves = true, .essai = 0};
     const Reseau::Options parEnsemble{.preuves = true, .essai = 100000};
@@ -155,7 +167,8 @@ TEST(Certificat, TheCheckerAcceptsWhatIsTrueAndRejectsEveryFalsifiedLine) {
     EXPECT_NE(essai::verifier(NET, fausse("cycle x", "cycle", parEnsemble), false), "");
     EXPECT_NE(essai::verifier(NET, fausse("cycle (x*4)*1", "cycle", parEquation), false), "");
     EXPECT_NE(essai::verifier(NET, fausse("close 1 1 ", "close 1 0 ", parEquation), false), "");
-    EXPECT_NE(essai::verifier(NET, fausse("threshold t 10", "threshold t 8", parEquation), false), "");
+    EXPECT_NE(essai::verifier(NET, fausse("round 2 q0*1 ma*1", "round 4 q0*1 ma*1", parEquation), false), "");
+    EXPECT_NE(essai::verifier(NET, fausse("round 2 q0*1 ma*1", "round 2 q0*1 ma*3", parEquation), false), "");
     EXPECT_NE(essai::verifier(NET, fausse("set q1*1 ma*21", "set q1*1 ma*20", parEnsemble), false), "");
     EXPECT_NE(essai::verifier(NET, fausse("set q1*1 ma*1 mb*30\n", "", parEnsemble), false), "");
 }

@@ -101,6 +101,8 @@ private:
     Entier cas(const Vecteur& visee);
     struct Contrainte;
     void depart(const Mots& m, std::vector<Contrainte>& premier, Contrainte& second) const;
+    void instant(const Mots& m, std::vector<Contrainte>& premier, std::vector<Contrainte>& second);
+    Contrainte arrondie(const Mots& m);
     Entier ferme(const Mots& m, const Vecteur& visee);
 
     bool concerne(const Transition& t) const;
@@ -449,14 +451,70 @@ void Verification::depart(const Mots& m, std::vector<Contrainte>& premier, Contr
     }
 }
 
+/// The constraints of the first or the last firing of a transition. Every other one has then been fired no more often
+/// than in the end; of what has been fired, what lowers the sum may be left out.
+void Verification::instant(const Mots& m, std::vector<Contrainte>& premier, std::vector<Contrainte>& second) {
+    const std::string& t = m.at(1);
+    exiger(std::ranges::find(tirees_, t) != tirees_.end(), "a transition of another part");
+    premier.push_back({{{t, -1}}, 0});
+    second.push_back({{{t, 1}}, -1});
+    Contrainte c;
+    for (std::size_t i = 2; i < m.size(); ++i) {
+        const auto [p, y] = poids(m[i]);
+        exiger(partie_.contains(p) && y > 0, "not a positive multiple of a place: ", m[i]);
+        c.constante = somme(c.constante, produit(y, lire(initial_, p) - lire(transitions_.at(t).pre, p)));
+        for (const auto& [u, e] : effets_[p]) c.forme[u] = somme(c.forme[u], produit(y, e));
+    }
+    for (auto& [u, n] : c.forme)
+        if (u != t) n = std::max<Entier>(n, 0);
+    if (m[0] == "first")
+        c.forme[t] = 0;
+    else
+        c.constante = somme(c.constante, -c.forme[t]);
+    second.push_back(std::move(c));
+}
+
+/// What follows from constraints in force because firing counts are integers that are not negative.
+Verification::Contrainte Verification::arrondie(const Mots& m) {
+    const Entier diviseur = nombre(m.at(1));
+    exiger(diviseur > 0, "not a divisor");
+    Contrainte c;
+    for (std::size_t i = 2; i < m.size(); ++i) {
+        const auto [nom, y] = poids(m[i]);
+        exiger(y > 0, "a multiplier that is not positive");
+        if (nom[0] == '*') {
+            const Contrainte& autre = contraintes_.at(static_cast<std::size_t>(nombre(nom.substr(1))));
+            c.constante = somme(c.constante, produit(y, autre.constante));
+            for (const auto& [t, n] : autre.forme) c.forme[t] = somme(c.forme[t], produit(y, n));
+        } else {
+            exiger(partie_.contains(nom), "a place of another part");
+            c.constante = somme(c.constante, produit(y, lire(initial_, nom)));
+            for (const auto& [t, e] : effets_[nom]) c.forme[t] = somme(c.forme[t], produit(y, e));
+        }
+    }
+    const auto enBas = [diviseur](Entier n) { return n / diviseur - (n % diviseur < 0 ? 1 : 0); };
+    c.constante = enBas(c.constante);
+    for (auto& [t, n] : c.forme) n = -enBas(-n);
+    return c;
+}
+
 /// Reads one tree of cases; @return the largest bound of its leaves
 Entier Verification::cas(const Vecteur& visee) {
     const Mots m = prochaine();
     if (m[0] == "close") return ferme(m, visee);
     const std::size_t enVigueur = contraintes_.size();
+    if (m[0] == "round") {
+        contraintes_.push_back(arrondie(m));
+        const Entier a = cas(visee);
+        contraintes_.resize(enVigueur);
+        return a;
+    }
     std::vector<Contrainte> premier;
+    std::vector<Contrainte> seconds;
     Contrainte second;
-    if (m[0] == "threshold") {
+    if (m[0] == "first" || m[0] == "last") {
+        instant(m, premier, seconds);
+    } else if (m[0] == "threshold") {
         const Entier k = nombre(m.at(2));
         premier.push_back({{{m.at(1), -1}}, k});
         second = {{{m.at(1), 1}}, -k - 1};
@@ -492,7 +550,8 @@ Entier Verification::cas(const Vecteur& visee) {
     contraintes_.insert(contraintes_.end(), premier.begin(), premier.end());
     const Entier a = cas(visee);
     contraintes_.resize(enVigueur);
-    contraintes_.push_back(second);
+    if (seconds.empty()) seconds.push_back(second);
+    contraintes_.insert(contraintes_.end(), seconds.begin(), seconds.end());
     const Entier b = cas(visee);
     contraintes_.resize(enVigueur);
     return std::max(a, b);
