@@ -28,10 +28,11 @@ struct Bilan {
     int etalonnes = 0;
 };
 
+constexpr int TOUS = 2000;  // nets of a slice
 #ifdef __SANITIZE_ADDRESS__
-constexpr int NETS = 250;  // the same nets under the sanitizers, but an eighth of them
+constexpr int NETS = TOUS / 8;  // those that are analysed
 #else
-constexpr int NETS = 2000;
+constexpr int NETS = TOUS;
 #endif
 constexpr int TRANCHES = 25;
 constexpr int BEAUCOUP = 12;
@@ -129,11 +130,11 @@ TEST(NetsAuHasard, EveryCombinationOfTheFeaturesIsAmongThem) {
     std::map<unsigned long, int> nombre;
     for (int tranche = 0; tranche < TRANCHES; ++tranche) {
         Hasard h(static_cast<std::uint64_t>(tranche));
-        for (int i = 0; i < NETS; ++i) ++nombre[traits(essai::netAuHasard(h)).to_ulong()];
+        for (int i = 0; i < TOUS; ++i) ++nombre[traits(essai::netAuHasard(h)).to_ulong()];
     }
     ASSERT_EQ(nombre.size(), 32U);
     for (const auto& [combinaison, n] : nombre)
-        EXPECT_GT(n, NETS / 10) << std::bitset<5>(combinaison)
+        EXPECT_GT(n, TOUS / 10) << std::bitset<5>(combinaison)
                                 << ", from the right: weights, sources, zeros, loops, isolated";
 }
 
