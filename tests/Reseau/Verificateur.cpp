@@ -155,7 +155,7 @@ Verification::Verification(const std::string& net, const std::string& rapport, b
     exiger(ligneLue == "the net is bounded" || ligneLue == "the net is not bounded", "no verdict");
     bornee_ = ligneLue == "the net is bounded";
     while (std::getline(in, ligneLue))
-        if (ligneLue.find(':') == std::string::npos) lignes_.push_back(mots(ligneLue));
+        if (ligneLue.find(':') == std::string::npos && !mots(ligneLue).empty()) lignes_.push_back(mots(ligneLue));
     montrees_ = comptesDuRapport(rapport);
 }
 
@@ -284,7 +284,7 @@ Vecteur Verification::suivre(const Mots& course, Vecteur m) const {
         } else {
             std::vector<std::pair<std::string, Entier>> bloc;
             Entier fois = 0;
-            for (std::string mot = course[i].substr(1);; mot = course[++i]) {
+            for (std::string mot = course[i].substr(1);; mot = course.at(++i)) {
                 const std::size_t fin = mot.find(')');
                 bloc.push_back(poids(mot.substr(0, fin)));
                 exiger(bloc.back().second >= 1, "a transition that is not fired");
@@ -418,8 +418,9 @@ Entier Verification::ferme(const Mots& m, const Vecteur& visee) {
 /// The constraints of a departure. While the token is outside U only what takes it from outside is fired, or leaves it
 /// alone; so at the time when it enters U these are all, but for an unknown share of the latter.
 void Verification::depart(const Mots& m, std::vector<Contrainte>& premier, Contrainte& second) const {
-    const auto fin = m.begin() + 2 + static_cast<std::ptrdiff_t>(nombre(m.at(1)));
-    exiger(fin <= m.end(), "places are missing");
+    const Entier places = nombre(m.at(1));
+    exiger(places >= 0 && places + 2 <= static_cast<Entier>(m.size()), "places are missing");
+    const auto fin = m.begin() + 2 + static_cast<std::ptrdiff_t>(places);
     const std::set<std::string> u(m.begin() + 2, fin);
     for (const std::string& p : u)
         exiger(jeton_.contains(p) && lire(initial_, p) == 0, "not a place for the token to come to: ", p);
