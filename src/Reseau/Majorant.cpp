@@ -58,7 +58,8 @@ struct Majorants::Noeud {
     Cas fermeture;
     std::optional<Cas> distinction;
     std::uint32_t premier = 0;            // the number of its first case; the second one's is the next
-    std::unique_ptr<Simplexe> programme;  // while it is open
+    std::shared_ptr<Simplexe> programme;  // while it is open; its parent's until it is worked out
+    bool resolue = false;
     std::uint32_t parent = 0;
     std::vector<Contrainte> contraintes;  // that it adds to its parent's
     std::size_t coupes = 0;               // on the way to it
@@ -134,13 +135,14 @@ void Majorants::chercher(Question& q) {
     q.noeuds.emplace_back();
     try {
         Noeud& racine = q.noeuds[0];
-        auto programme = std::make_unique<Simplexe>(initial_);
+        auto programme = std::make_shared<Simplexe>(initial_);
         const Simplexe::Issue issue = programme->maximiser(q.forme);
         if (issue == Simplexe::Issue::OPTIMUM) {
             racine.borne = programme->optimum().plancher();
             racine.fermeture = clore(*programme, issue);
         }
         racine.programme = std::move(programme);
+        racine.resolue = true;
         retenir(q);
         q.ouverts.emplace(racine.borne, 0);
         while (!q.ouverts.empty()) {
@@ -149,6 +151,7 @@ void Majorants::chercher(Question& q) {
                 (q.ouverts.size() + 1) * cases(net_) > CASES_EN_MEMOIRE || travail_ == 0)
                 return;
             q.ouverts.pop();
+            if (!resoudre(q, numero)) continue;
             if (!traiter(q, numero)) q.plafond = std::max(q.plafond, borne);
             q.noeuds[numero].programme.reset();
         }
@@ -160,7 +163,8 @@ void Majorants::chercher(Question& q) {
 /// Refines an open case.
 /// @return false when its solution contradicts nothing that is known here, so that it stays as it is
 bool Majorants::traiter(Question& q, std::uint32_t numero) {
-    const Simplexe& s = *q.noeuds[numero].programme;
+    const std::shared_ptr<const Simplexe> programme = q.noeuds[numero].programme;
+    const Simplexe& s = *programme;
     const bool infinie = q.noeuds[numero].borne == INFINI;
     std::optional<Cas> cas = contradiction(s, infinie);
     if (!cas && infinie) pomper(s, q);
@@ -200,33 +204,47 @@ bool Majorants::traiter(Question& q, std::uint32_t numero) {
     return true;
 }
 
-/// Adds a case of `parent`. One that cannot be worked out keeps its parent's bound.
+/// Adds a case of `parent`, with its parent's bound until its turn comes.
 void Majorants::ouvrir(Question& q, std::uint32_t parent, std::vector<Contrainte> contraintes) {
     const auto numero = static_cast<std::uint32_t>(q.noeuds.size());
+    const Noeud& de = q.noeuds[parent];
     Noeud noeud;
-    noeud.borne = q.noeuds[parent].borne;
-    noeud.fermeture = q.noeuds[parent].fermeture;
-    noeud.finie = q.noeuds[parent].finie;
-    noeud.coupes = q.noeuds[parent].coupes;
+    noeud.borne = de.borne;
+    noeud.fermeture = de.fermeture;
+    noeud.programme = de.programme;
+    noeud.finie = de.finie;
+    noeud.coupes = de.coupes;
     noeud.parent = parent;
     noeud.contraintes = std::move(contraintes);
+    q.ouverts.emplace(noeud.borne, numero);
+    q.noeuds.push_back(std::move(noeud));
+}
+
+/// Works out the bound of a case. One that cannot be worked out keeps its parent's.
+/// @return whether it is still what the search should go on with
+bool Majorants::resoudre(Question& q, std::uint32_t numero) {
+    Noeud& noeud = q.noeuds[numero];
+    if (noeud.resolue) return true;
+    noeud.resolue = true;
+    const Large avant = noeud.borne;
     try {
-        auto programme = std::make_unique<Simplexe>(*q.noeuds[parent].programme);
+        auto programme = std::make_shared<Simplexe>(*noeud.programme);
+        noeud.programme.reset();
         for (const Contrainte& c : noeud.contraintes) programme->contraindre(c.constante, c.forme);
-        const Simplexe::Issue issue = noeud.borne == INFINI ? programme->maximiser(q.forme) : programme->reoptimiser();
+        const Simplexe::Issue issue = avant == INFINI ? programme->maximiser(q.forme) : programme->reoptimiser();
         if (issue == Simplexe::Issue::OPTIMUM)
             noeud.borne = programme->optimum().plancher();
         else if (issue == Simplexe::Issue::IMPOSSIBLE)
             noeud.borne = -1;
         if (issue != Simplexe::Issue::INFINI) noeud.fermeture = clore(*programme, issue);
-        if (issue != Simplexe::Issue::IMPOSSIBLE) {
-            noeud.programme = std::move(programme);
-            q.ouverts.emplace(noeud.borne, numero);
-        }
+        if (issue == Simplexe::Issue::IMPOSSIBLE) return false;
+        noeud.programme = std::move(programme);
+        if (noeud.borne == avant) return true;
+        q.ouverts.emplace(noeud.borne, numero);
     } catch (const Abandon&) {
-        q.plafond = std::max(q.plafond, noeud.borne);
+        q.plafond = std::max(q.plafond, avant);
     }
-    q.noeuds.push_back(std::move(noeud));
+    return false;
 }
 
 /// The constraints in force, in the order of their variables: of the places, then of the cases from the root down.
@@ -494,21 +512,28 @@ void Majorants::courir(const Question& q, const std::vector<Compte>& comptes, st
     travail_ -= accorde - reste;
 }
 
+/// Whether the places are all the control token's, so that they hold one at most.
+bool Majorants::unSeulJeton(const std::vector<std::uint32_t>& places) const {
+    return jeton_ && std::ranges::includes(jeton_->places(), places);
+}
+
 /// Looks for runs with the counts of a solution.
 /// @return false when they are no integers and nothing was looked for
 bool Majorants::realiser(const Simplexe& s, Question& q) {
-    if (q.tireur == nullptr || q.places.size() != 1) return true;
+    const auto premiere = static_cast<Simplexe::Variable>(net_.transitions.size());
+    const auto visee =
+        std::ranges::find_if(q.places, [&](std::uint32_t p) { return s.valeur(premiere + p).numerateur > 0; });
+    if (q.tireur == nullptr || visee == q.places.end() || (q.places.size() != 1 && !unSeulJeton(q.places))) return true;
     std::vector<Compte> comptes(net_.transitions.size());
     bool entiers = true;
     for (std::uint32_t t = 0; t < comptes.size(); ++t) {
         entiers = entiers && s.valeur(t).entiere();
         comptes[t] = static_cast<Compte>(std::min<Large>(s.valeur(t).plancher(), OMEGA - 1));
     }
-    const auto but = static_cast<Compte>(
-        std::min<Large>(s.valeur(static_cast<Simplexe::Variable>(comptes.size()) + q.places[0]).plancher(), OMEGA));
+    const auto but = static_cast<Compte>(std::min<Large>(s.valeur(premiere + *visee).plancher(), OMEGA));
     if (promenade_ && !entiers) return false;
-    courir(q, comptes, q.places[0], but);
-    q.minorant = std::max<Large>(q.minorant, q.tireur->minorants()[q.places[0]]);
+    courir(q, comptes, *visee, but);
+    q.minorant = std::max<Large>(q.minorant, q.tireur->minorants()[*visee]);
     return true;
 }
 

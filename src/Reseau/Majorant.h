@@ -43,6 +43,7 @@ public:
     /// Bounds the sum of `places`. Cases are distinguished until the bound is `minorant`, or the search has cost too
     /// much; the firing counts of every solution are handed to `tireur`, when there is one, whose minorant of a single
     /// asked place counts.
+    /// Of several places of the control token it looks for a run that marks any one.
     /// @return nothing when the state equation gives no bound
     /// @param effort how much it may cost; each step means four times as much as the one below
     /// @param depense what it has cost is added here, in entries of the program rewritten
@@ -62,6 +63,7 @@ private:
     void retenir(const Question& q);
     void chercher(Question& q);
     void ouvrir(Question& q, std::uint32_t parent, std::vector<Contrainte> contraintes);
+    bool resoudre(Question& q, std::uint32_t numero);
     std::vector<const Contrainte*> enVigueur(const Question& q, std::uint32_t numero) const;
     bool traiter(Question& q, std::uint32_t numero);
     void pomper(const Simplexe& s, const Question& q);
@@ -76,6 +78,7 @@ private:
     std::optional<Cas> finDuJeton(const Simplexe& s) const;
     std::optional<Simplexe> moindresTirs(const Simplexe& s, const Question& q) const;
     void courir(const Question& q, const std::vector<Compte>& comptes, std::uint32_t place, Compte but);
+    bool unSeulJeton(const std::vector<std::uint32_t>& places) const;
     bool realiser(const Simplexe& s, Question& q);
     Cas clore(const Simplexe& s, Simplexe::Issue issue) const;
     void rediger(const Question& q, std::uint32_t numero, Large borne, std::vector<Cas>& preuve) const;

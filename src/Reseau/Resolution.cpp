@@ -14,11 +14,29 @@ namespace {
 constexpr std::uint64_t SANS_LIMITE = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t MINIMUM =
     100;                         // markings expanded in the first exploration, as far as the next ones depend on it
-constexpr unsigned EFFORTS = 3;  // of the state equation
+constexpr unsigned EFFORTS = 5;  // of the state equation
 constexpr unsigned TOURS = 12;   // of taking turns; no net is complete after so many markings that was not before
 constexpr std::uint64_t COMPOSANTES = 20'000'000;  // arcs followed in one turn
 constexpr std::uint64_t QUESTIONS = 8;  // that may use up all their effort before the exploration has its turn
 constexpr Large TOUT = static_cast<Large>(1) << 125;  // any finite bound is good enough
+
+/// The bound of several places together, as one of `place` alone.
+Majoration pour(std::uint32_t place, const std::vector<std::uint32_t>& places, const Majoration& ensemble) {
+    Majoration seule = ensemble;
+    for (Cas& cas : seule.preuve) {
+        if (cas.genre != Cas::BORNE || cas.facteur == 0) continue;
+        for (const std::uint32_t p : places) {
+            if (p == place) continue;
+            const auto ici = std::ranges::find(cas.multiplicateurs, p, [](const auto& m) { return m.first; });
+            if (ici == cas.multiplicateurs.end())
+                cas.multiplicateurs.emplace_back(p, cas.facteur);
+            else
+                ici->second += cas.facteur;
+        }
+        std::ranges::sort(cas.multiplicateurs);
+    }
+    return seule;
+}
 
 }  // namespace
 
@@ -39,7 +57,7 @@ void Resolution::finir(const Options& options) {
             if (options.verdictSeul ? majorerEnsemble(tour) : majorer(tour)) return;
             if (options.verdictSeul && !bornee()) return;
         }
-        const std::uint64_t plus = std::max(options.essai, MINIMUM) << (3 * (tour + 1));
+        const std::uint64_t plus = std::max(options.essai, MINIMUM) << (2 * (tour + 1));
         if (couverture.explorer(plus, options.verdictSeul)) return;
     }
     couverture.explorer(SANS_LIMITE, options.verdictSeul);
@@ -98,14 +116,38 @@ bool Resolution::majorerParComposantes() {
     return viser();
 }
 
+/// The places of the control token that it has not been seen in: while there is a run to any of them, it is looked for;
+/// when there is none, one proof serves all.
+void Resolution::majorerJeton(unsigned effort, std::uint64_t& depense) {
+    while (majorants->jeton()) {
+        std::vector<std::uint32_t> vides;
+        for (const std::uint32_t p : majorants->jeton()->places())
+            if (!reglee(p) && borne(p) == 0) vides.push_back(p);
+        if (vides.size() < 2 || depense > QUESTIONS * Majorants::travail(effort)) return;
+        const auto ensembleVide = majorants->majorer(vides, 0, &tireur, effort, depense);
+        if (ensembleVide && ensembleVide->borne <= 0) {
+            for (const std::uint32_t p : vides) majorations[p] = pour(p, vides, *ensembleVide);
+            return;
+        }
+        if (std::ranges::all_of(vides, [this](std::uint32_t p) { return borne(p) == 0; })) return;
+    }
+}
+
 /// Bounds the places that are not settled yet.
 /// @return whether every place is settled now; what is not is left to the exploration
 bool Resolution::majorer(unsigned effort) {
     std::uint64_t depense = 0;
     tireur.accorder(QUESTIONS * Majorants::travail(effort) / 2);
-    for (std::uint32_t p = 0; p < net_.places.size(); ++p) {
+    majorerJeton(effort, depense);
+    // Those that were asked least stand first, so that each has its turn.
+    std::vector<std::uint32_t> ordre(net_.places.size());
+    std::iota(ordre.begin(), ordre.end(), 0U);
+    questions_.resize(ordre.size(), 0);
+    std::ranges::stable_sort(ordre, {}, [this](std::uint32_t p) { return questions_[p]; });
+    for (const std::uint32_t p : ordre) {
         if (reglee(p)) continue;
         if (depense > QUESTIONS * Majorants::travail(effort)) break;
+        ++questions_[p];
         std::optional<Majoration> neuve = majorants->majorer({p}, borne(p), &tireur, effort, depense);
         if (neuve && (!majorations[p] || neuve->borne < majorations[p]->borne)) majorations[p] = std::move(neuve);
         if (majorations[p] && tireur.depasse(p)) throw Debordement();

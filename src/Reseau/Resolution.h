@@ -60,11 +60,13 @@ private:
     bool viser();
     bool majorerParComposantes();
     bool majorer(unsigned effort);
+    void majorerJeton(unsigned effort, std::uint64_t& depense);
     bool majorerEnsemble(unsigned effort);
 
     const Net& net_;
     Composantes composantes_;
     bool fini_ = false;
+    std::vector<unsigned> questions_;  // put to the state equation, by place
 };
 
 }  // namespace Reseau
