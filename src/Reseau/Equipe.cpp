@@ -1,7 +1,7 @@
 #include "Reseau/Equipe.h"
 
 #include <algorithm>
-#include <system_error>
+#include <exception>
 
 namespace Reseau {
 
@@ -11,7 +11,7 @@ Equipe::Equipe(unsigned taille) {
     fils_.reserve(voulue);
     try {
         for (unsigned i = 1; i < voulue; ++i) fils_.emplace_back([this, i] { servir(i); });
-    } catch (const std::system_error&) {  // those that have started do the work
+    } catch (const std::exception&) {  // those that have started do the work
     }
 }
 

@@ -173,8 +173,12 @@ void Lecteur::lireLigne(std::string_view ligne) {
 
 Net lire(std::istream& in, const std::string& source) {
     Lecteur lecteur(source);
-    for (std::string ligne; std::getline(in, ligne);) lecteur.lireLigne(ligne);
-    if (in.bad()) throw ErreurDeLecture(source + ": cannot be read");
+    in.exceptions(std::ios::badbit);  // or it would swallow that memory runs out
+    try {
+        for (std::string ligne; std::getline(in, ligne);) lecteur.lireLigne(ligne);
+    } catch (const std::ios::failure&) {
+        throw ErreurDeLecture(source + ": cannot be read");
+    }
     return lecteur.finir();
 }
 

@@ -78,6 +78,7 @@ Rapport analyser(const Net& net, const Options& options) {
     }
     Assemblage assemblage(net);
     std::ostringstream certificat;
+    certificat.exceptions(std::ios::badbit);  // or it would swallow that memory runs out
     if (options.preuves) certifierMortes(certificat, net);
     if (!options.verdictSeul) rapport.bornes = net.initial;
     for (std::size_t i = 0; i < resolutions.size(); ++i) {

@@ -93,6 +93,7 @@ int analyser(const Commande& commande) {
     }
     const Reseau::Rapport rapport = Reseau::analyser(net, commande.options);
     std::ostringstream texte;
+    texte.exceptions(std::ios::badbit);  // or it would swallow that memory runs out
     Reseau::ecrire(texte, net, rapport);
     return ecrireTout(texte.str());
 }

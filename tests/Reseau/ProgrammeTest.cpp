@@ -1,11 +1,12 @@
 // The program as the editor and a person at a terminal meet it: options, report form, failures, signals,
 // pipes, memory.
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -17,6 +18,7 @@
 
 #include "Outils.h"
 #include "Rapport.h"
+#include "reseau_familles.h"
 
 namespace {
 
@@ -137,83 +139,180 @@ TEST(Programme, AReaderThatLeavesEndsItQuietly) {
     EXPECT_THAT(r.sortie, IsEmpty());
 }
 
-/// Waits until the process has several threads, as it has at work where there are several cores.
-void attendreLesFils(pid_t processus) {
-    const std::string fils = "/proc/" + std::to_string(processus) + "/task";
-    for (int i = 0; i < 4500 && std::thread::hardware_concurrency() > 1; ++i) {
-        std::error_code absent;
-        if (std::distance(std::filesystem::directory_iterator(fils, absent), {}) > 1) return;
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    EXPECT_EQ(std::thread::hardware_concurrency(), 1U) << "no second thread has been started";
+/// A model whose state equation is worked at for seconds.
+std::string vaste() {
+    std::ostringstream net;
+    familles::ecrire(net, familles::modeleAuHasard(familles::Genre::ETAGE, 200, 20, 20'020, 1'000'000'000));
+    return net.str();
 }
 
-struct Interruption {
-    int etat;  // wait status
-    std::string sortie;
-    std::string erreurs;
-    std::chrono::steady_clock::duration delai;  // from the signal to the end
+/// A net whose proof is a megabyte.
+std::string longue() {
+    std::ostringstream net;
+    familles::ecrire(net, std::ranges::find(familles::toutes(), "buffers", &familles::Famille::nom)->net(400));
+    return net.str();
+}
+
+/// What the program is at when it gets a signal.
+enum class Phase { LECTURE, EQUATION, EXPLORATION, FILS, ECRITURE };
+
+/// The running analyser, its standard input and output in the test's hands.
+class Analyse {
+public:
+    explicit Analyse(Phase phase) {
+        EXPECT_EQ(pipe(entree_) | pipe(sortie_) | pipe(erreurs_), 0);
+        processus_ = fork();
+        if (processus_ == 0) {
+            dup2(entree_[0], STDIN_FILENO);
+            dup2(sortie_[1], STDOUT_FILENO);
+            dup2(erreurs_[1], STDERR_FILENO);
+            for (const auto& tube : {entree_, sortie_, erreurs_}) {
+                close(tube[0]);
+                close(tube[1]);
+            }
+            execl(TINA, TINA, "-C", phase == Phase::ECRITURE ? "-v" : "-g", nullptr);
+            _exit(127);
+        }
+        close(entree_[0]);
+        close(sortie_[1]);
+        close(erreurs_[1]);
+    }
+    ~Analyse() {
+        if (entree_[1] >= 0) close(entree_[1]);
+        close(sortie_[0]);
+        close(erreurs_[0]);
+    }
+
+    void donner(const std::string& net) {
+        for (std::size_t ecrit = 0; ecrit < net.size();) {
+            const ssize_t n = write(entree_[1], net.data() + ecrit, net.size() - ecrit);
+            ASSERT_GT(n, 0);
+            ecrit += static_cast<std::size_t>(n);
+        }
+    }
+    void finirLEntree() {
+        close(entree_[1]);
+        entree_[1] = -1;
+    }
+    /// Waits until it has several threads, as it has at work where there are several cores.
+    void attendreLesFils() const {
+        const std::string fils = "/proc/" + std::to_string(processus_) + "/task";
+        for (int i = 0; i < 4500 && std::thread::hardware_concurrency() > 1; ++i) {
+            std::error_code absent;
+            if (std::distance(std::filesystem::directory_iterator(fils, absent), {}) > 1) return;
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        EXPECT_EQ(std::thread::hardware_concurrency(), 1U) << "no second thread has been started";
+    }
+    /// Waits until it has begun to write its report, which nobody reads.
+    void attendreLaSortie() const {
+        pollfd attente{sortie_[0], POLLIN, 0};
+        EXPECT_EQ(poll(&attente, 1, 45'000), 1);
+    }
+
+    /// @return how long it took to end
+    std::chrono::steady_clock::duration interrompre(int signal) {
+        const auto debut = std::chrono::steady_clock::now();
+        kill(processus_, signal);
+        waitpid(processus_, &etat_, 0);
+        return std::chrono::steady_clock::now() - debut;
+    }
+    int etat() const { return etat_; }
+    std::string sortie() const { return tout(sortie_[0]); }
+    std::string erreurs() const { return tout(erreurs_[0]); }
+
+private:
+    static std::string tout(int tube) {
+        std::string texte;
+        char lu[4096];
+        for (ssize_t n; (n = read(tube, lu, sizeof lu)) > 0;) texte.append(lu, static_cast<std::size_t>(n));
+        return texte;
+    }
+
+    int entree_[2];
+    int sortie_[2];
+    int erreurs_[2];
+    pid_t processus_ = 0;
+    int etat_ = 0;
 };
 
-/// Starts the analyser on a net without end, and sends it `signal` after half a second, or when its threads run.
-Interruption interrompu(int signal, bool fils) {
-    char nom[] = "/tmp/reseau-XXXXXX";
-    const int entree = mkstemp(nom);
-    unlink(nom);
-    const std::string net = immense();
-    EXPECT_EQ(write(entree, net.data(), net.size()), static_cast<ssize_t>(net.size()));
-    lseek(entree, 0, SEEK_SET);
-    int tubes[2][2];
-    EXPECT_EQ(pipe(tubes[0]) | pipe(tubes[1]), 0);
-    const pid_t enfant = fork();
-    if (enfant == 0) {
-        dup2(entree, STDIN_FILENO);
-        dup2(tubes[0][1], STDOUT_FILENO);
-        dup2(tubes[1][1], STDERR_FILENO);
-        for (auto& tube : tubes) close(tube[0]);
-        execl(TINA, TINA, "-C", "-g", nullptr);
-        _exit(127);
+/// Brings the analyser into a phase.
+void amener(Analyse& analyse, Phase phase) {
+    analyse.donner(phase == Phase::EQUATION ? vaste() : phase == Phase::ECRITURE ? longue() : immense());
+    if (phase != Phase::LECTURE) analyse.finirLEntree();
+    if (phase == Phase::FILS) analyse.attendreLesFils();
+    if (phase == Phase::ECRITURE) analyse.attendreLaSortie();
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+}
+
+class Interruptions : public testing::TestWithParam<std::pair<Phase, int>> {};
+
+/// The best of a few times counts, since the machine may be busy.
+TEST_P(Interruptions, ASignalEndsItAtOnceWithAMessageAndItsStatus) {
+    const auto& [phase, signal] = GetParam();
+    auto delai = std::chrono::steady_clock::duration::max();
+    for (int essai = 0; essai < 5 && delai > std::chrono::milliseconds(100); ++essai) {
+        Analyse analyse(phase);
+        amener(analyse, phase);
+        delai = std::min(delai, analyse.interrompre(signal));
+        ASSERT_TRUE(WIFEXITED(analyse.etat()));
+        EXPECT_EQ(WEXITSTATUS(analyse.etat()), 128 + signal);
+        EXPECT_EQ(analyse.erreurs(), "tina: interrupted\n");
+        const std::string sortie = analyse.sortie();
+        if (phase == Phase::ECRITURE)
+            EXPECT_THAT(lancer("-C -v", longue()).sortie, StartsWith(sortie));
+        else
+            EXPECT_THAT(sortie, IsEmpty());
     }
-    close(entree);
-    for (auto& tube : tubes) close(tube[1]);
-    std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    if (fils) attendreLesFils(enfant);
-    const auto debut = std::chrono::steady_clock::now();
-    kill(enfant, signal);
-    Interruption resultat{};
-    waitpid(enfant, &resultat.etat, 0);
-    resultat.delai = std::chrono::steady_clock::now() - debut;
-    const auto tout = [](int tube) {
-        std::string texte;
-        char lu[256];
-        for (ssize_t n; (n = read(tube, lu, sizeof lu)) > 0;) texte.append(lu, static_cast<std::size_t>(n));
-        close(tube);
-        return texte;
-    };
-    resultat.sortie = tout(tubes[0][0]);
-    resultat.erreurs = tout(tubes[1][0]);
-    return resultat;
+    EXPECT_LE(delai, std::chrono::milliseconds(100));
 }
 
-void verifierInterruption(int signal, bool fils) {
-    const Interruption i = interrompu(signal, fils);
-    ASSERT_TRUE(WIFEXITED(i.etat));
-    EXPECT_EQ(WEXITSTATUS(i.etat), 128 + signal);
-    EXPECT_THAT(i.sortie, IsEmpty());
-    EXPECT_EQ(i.erreurs, "tina: interrupted\n");
-    EXPECT_LT(i.delai, std::chrono::seconds(2));
+std::string nomDePhase(const testing::TestParamInfo<std::pair<Phase, int>>& essai) {
+    const char* const phases[] = {"Reading", "StateEquation", "Exploration", "Threads", "Writing"};
+    return std::string(phases[static_cast<int>(essai.param.first)]) + (essai.param.second == SIGINT ? "Int" : "Term");
 }
 
-TEST(Programme, ASignalEndsItAtOnceWithAMessageAndItsStatus) {
-    verifierInterruption(SIGINT, false);
-    verifierInterruption(SIGTERM, false);
-}
+INSTANTIATE_TEST_SUITE_P(Phases, Interruptions,
+                         testing::Values(std::pair(Phase::LECTURE, SIGINT), std::pair(Phase::LECTURE, SIGTERM),
+                                         std::pair(Phase::EQUATION, SIGINT), std::pair(Phase::EQUATION, SIGTERM),
+                                         std::pair(Phase::EXPLORATION, SIGINT), std::pair(Phase::EXPLORATION, SIGTERM),
+                                         std::pair(Phase::FILS, SIGINT), std::pair(Phase::FILS, SIGTERM),
+                                         std::pair(Phase::ECRITURE, SIGINT), std::pair(Phase::ECRITURE, SIGTERM)),
+                         nomDePhase);
 
-TEST(Programme, ASignalEndsItAtOnceWhenSeveralThreadsRun) { verifierInterruption(SIGTERM, true); }
+TEST(Programme, AReaderThatLeavesAmidstALongProofEndsItQuietly) {
+    const Resultat r = lancer("-C -v; echo $? >&2; } | head -c 10", longue(), "{ ");
+    EXPECT_EQ(r.erreurs, "0\n");
+    EXPECT_EQ(r.sortie, "the net is");
+}
 
 #ifndef __SANITIZE_ADDRESS__  // which needs more address space than any limit leaves
 TEST(Programme, OutOfMemoryIsAnErrorAndNeverAVerdict) {
     erreurSans(lancer("-C -g", immense(), "ulimit -v 60000; "), "out of memory");
+}
+
+TEST(Programme, OutOfMemoryWhileReadingIsAnError) {
+    const std::string longueLigne = "# " + std::string(60'000'000, 'x') + "\n";
+    erreurSans(lancer("-C -g", longueLigne, "ulimit -v 60000; "), "out of memory");
+    std::ostringstream net;
+    for (int i = 0; i < 300'000; ++i) net << "tr t" << i << " p" << i << " -> p" << i + 1 << '\n';
+    erreurSans(lancer("-C -g", net.str(), "ulimit -v 60000; "), "out of memory");
+}
+
+/// Whatever the limit, the report is whole or there is none.
+TEST(Programme, OutOfMemoryWhileTheReportIsWrittenIsAnError) {
+    const std::string net = longue();
+    const std::string entier = lancer("-C -v", net).sortie;
+    int echecs = 0;
+    for (int limite = 8000; limite <= 20'000; limite += 500) {
+        const Resultat r = lancer("-C -v", net, "ulimit -v " + std::to_string(limite) + "; ");
+        echecs += r.statut == 2 ? 1 : 0;
+        if (r.statut == 0)
+            EXPECT_EQ(r.sortie, entier) << "within " << limite << " KiB";
+        else
+            erreurSans(r, "out of memory");
+    }
+    EXPECT_GT(echecs, 0);
 }
 #endif
 
