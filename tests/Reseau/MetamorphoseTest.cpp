@@ -12,6 +12,7 @@
 #include "Outils.h"
 #include "Reseau/Lecture.h"
 #include "Reseau/Reseau.h"
+#include "reseau_familles.h"
 
 namespace {
 
@@ -158,6 +159,14 @@ TEST(GrandsNets, ARingOfTenThousandPlaces) {
     for (int i = 0; i < 10000; ++i) net << "tr t" << i << " p" << i << " -> p" << (i + 1) % 10000 << '\n';
     net << "pl p0 (1)\n";
     for (const auto& [place, borne] : bornes(net.str())) ASSERT_EQ(borne, 1) << place;
+}
+
+TEST(GrandsNets, ATransmissionThroughFiveThousandBuffersOfWhichNoneIsBounded) {
+    std::ostringstream net;
+    familles::ecrire(net, std::ranges::find(familles::toutes(), "buffers", &familles::Famille::nom)->net(5000));
+    const Bornes b = bornes(net.str());
+    ASSERT_EQ(b.size(), 10'003U);
+    for (const auto& [place, borne] : b) ASSERT_EQ(borne, place.starts_with("tampon") ? Reseau::OMEGA : 1) << place;
 }
 
 /// A chain of ten rules with weights 1 to 3, as one node with ten loops: each molecule's bound is what the rules before
