@@ -207,6 +207,75 @@ Reseau::Net hasard(int n) {
     return c.finir();
 }
 
+/// A program of n statements over five shared bits, run by threads that are created without end, as model checkers of
+/// such programs abstract it: a statement is a transition for each valuation of the bits that lets it pass.
+Reseau::Net programme(int n) {
+    constexpr int BITS = 5;
+    Hasard h(static_cast<std::uint64_t>(n));
+    Chantier c;
+    c.tr("", "l0");
+    for (int i = 0; i < n; ++i) {
+        const std::string ici = nom("l", i);
+        const std::string suite = nom("l", (i + 1) % n);
+        const int bit = 1 << tirer(h, BITS);
+        const int valeur = tirer(h, 2) * bit;
+        const int saut = tirer(h, n);
+        switch (tirer(h, 4)) {
+            case 0:  // nothing that the bits tell
+                c.tr(ici, suite);
+                break;
+            case 1:  // a jump when the bit has the value
+                for (int v = 0; v < 1 << BITS; ++v)
+                    c.tr(ici + " " + nom("v", v), ((v & bit) == valeur ? nom("l", saut) : suite) + " " + nom("v", v));
+                break;
+            default:  // an assignment
+                for (int v = 0; v < 1 << BITS; ++v)
+                    c.tr(ici + " " + nom("v", v), suite + " " + nom("v", (v & ~bit) | valeur));
+        }
+    }
+    c.pl("v0", 1);
+    return c.finir();
+}
+
+/// A loop of n locations that posts calls of n / 10 kinds and serves them in any order, each by a way of its own.
+Reseau::Net appels(int n) {
+    Hasard h(static_cast<std::uint64_t>(n));
+    Chantier c;
+    const int genres = n / 10;
+    for (int i = 0; i < n; ++i) {
+        const std::string suite = nom("c", (i + 1) % n);
+        c.tr(nom("c", i), suite + (tirer(h, 2) == 0 ? " " + nom("appel", tirer(h, genres)) : ""));
+        for (int k = tirer(h, 3); k > 0; --k)
+            c.tr(nom("c", i) + " " + nom("appel", tirer(h, genres)), nom("c", tirer(h, n)));
+    }
+    c.pl("c0", 1);
+    return c.finir();
+}
+
+/// n caches of one line each, modified, exclusive, shared or invalid; who reads or writes takes the bus and asks the
+/// others one after the other.
+Reseau::Net caches(int n) {
+    Chantier c;
+    for (int i = 0; i < n; ++i) {
+        for (const char* acces : {"lit", "ecrit"}) {
+            const bool lit = acces == std::string("lit");
+            std::string ici = "bus";
+            for (int j = 0; j < n; ++j) {
+                if (j == i) continue;
+                const std::string suite = nom(acces, i) + "apres" + std::to_string(j);
+                for (const char* etat : {"M", "E", "S", "I"})
+                    c.tr(ici + " " + nom(etat, j), suite + " " + nom(lit && etat != std::string("I") ? "S" : "I", j));
+                ici = suite;
+            }
+            for (const char* etat : {"S", "I"}) c.tr(ici + " " + nom(etat, i), "bus " + nom(lit ? "S" : "E", i));
+        }
+        c.tr(nom("E", i), nom("M", i));
+        c.pl(nom("I", i), 1);
+    }
+    c.pl("bus", 1);
+    return c.finir();
+}
+
 /// A model whose rules put later kinds, with `jetons` molecules of each kind that is present at the start.
 template <int NOEUDS, int MOLECULES>
 Reseau::Net modele(int jetons) {
@@ -288,6 +357,9 @@ const std::vector<Famille>& toutes() {
         {"swimming pool", piscine, {1, 5, 20, 100'000}},
         {"buffers", tampons, {5, 20, 100, 1000}},
         {"n-bit counter", compteur, {2, 4, 8, 12}},
+        {"threads", programme, {10, 100, 1000}},
+        {"calls", appels, {100, 1000}},
+        {"caches", caches, {2, 4, 8}},
         {"random", hasard<0>, {15, 25, 35, 45, 55, 65, 75, 85, 95}},
         {"random, seed 1", hasard<1>, {15, 25, 35, 45, 55, 65, 75, 85, 95}},
         {"random, seed 2", hasard<2>, {15, 25, 35, 45, 55, 65, 75, 85, 95}},

@@ -113,8 +113,8 @@ void Antichaine::englober(std::uint32_t branche, const Mot* m) {
 
 /// Builds anew the lowest subtree on the way to a leaf that is too deep for its size.
 void Antichaine::equilibrer(const std::vector<std::uint32_t>& chemin) {
-    const auto profondeurPermise = [](std::uint64_t membres) {
-        return static_cast<std::size_t>(3 * std::bit_width(membres / CAPACITE) + 3);
+    const auto profondeurPermise = [this](std::uint64_t membres) {
+        return static_cast<std::size_t>(3 * std::bit_width(membres / capacite()) + 3);
     };
     if (chemin.size() <= profondeurPermise(taille_)) return;
     std::uint64_t membres = compter(chemin.back());
@@ -155,7 +155,7 @@ void Antichaine::rebatir(std::uint32_t branche) {
     std::size_t nombre = 0;
     for (const Liasse& l : liasses) nombre += l.taille();
     if (nombre == 0) {
-        branches_[branche].suite = nouvelleFeuille();
+        branches_[branche] = {static_cast<Compte>(capacite()), FEUILLE, nouvelleFeuille()};
         return;
     }
     const std::size_t poids = nombre / ECHANTILLON + 1;
@@ -200,10 +200,10 @@ void Antichaine::batir(std::uint32_t branche, Membres::iterator debut, Membres::
     champs_->ranger(debut->data(), bornes_.en(branche) + champs_->octets());
     for (auto m = debut; m != fin; ++m) englober(branche, m->data());
     const auto nombre = static_cast<std::size_t>(fin - debut);
-    const bool petite = nombre == 1 || nombre * poids <= CAPACITE;
+    const bool petite = nombre == 1 || nombre * poids <= capacite();
     const Coupe coupe = petite ? Coupe{FEUILLE, 0, nombre, {}} : meilleureCoupe(branche, debut, fin);
     if (coupe.place == FEUILLE) {
-        const auto place = static_cast<Compte>(std::max<std::size_t>(CAPACITE, petite ? 0 : 2 * nombre * poids));
+        const auto place = static_cast<Compte>(std::max(capacite(), petite ? 0 : 2 * nombre * poids));
         branches_[branche] = {place, FEUILLE, nouvelleFeuille()};
         return;
     }
@@ -256,7 +256,7 @@ std::uint32_t Antichaine::nouveauxSeuils(const Creux& ensemble) {
 /// is none.
 Antichaine::Coupe Antichaine::meilleureCoupe(std::uint32_t branche, Membres::iterator debut,
                                              Membres::iterator fin) const {
-    const auto pas = static_cast<std::size_t>(fin - debut) / (std::size_t{2} * CAPACITE) + 1;
+    const auto pas = static_cast<std::size_t>(fin - debut) / (2 * CAPACITE) + 1;
     std::vector<const Mot*> membres;
     for (std::size_t i = 0; i < static_cast<std::size_t>(fin - debut); i += pas)
         membres.push_back(debut[static_cast<std::ptrdiff_t>(i)].data());
@@ -298,12 +298,7 @@ void Antichaine::convertir(const Champs& champs) {
         Reseau::convertir(*champs_, de.data(), champs, vers.data());
         champs.ranger(vers.data(), place);
     };
-    for (Liasse& l : feuilles_) {
-        Liasse convertie;
-        for (std::uint32_t i = 0; i < l.taille(); ++i)
-            un(l.en(i, champs_->octets()), convertie.allonger(champs.octets()));
-        l = std::move(convertie);
-    }
+    for (Liasse& l : feuilles_) l = Reseau::convertir(*champs_, l, champs);
     Blocs bornes(2 * champs.octets());
     for (std::uint32_t b = 0; b < branches_.size(); ++b) {
         std::uint8_t* place = bornes.ajouter();

@@ -12,6 +12,7 @@
 // subtree is left out when its join does not cover the query, or its meet is not covered by it.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <deque>
 #include <vector>
@@ -50,15 +51,16 @@ public:
 private:
     static constexpr std::uint32_t FEUILLE = ~std::uint32_t{0};
     static constexpr std::uint32_t ENSEMBLE = FEUILLE - 1;
-    static constexpr std::uint32_t CAPACITE = 64;
+    static constexpr std::size_t CAPACITE = 64;     // of a leaf: members, or
+    static constexpr std::size_t OCTETS = 1024;     // bytes, whichever is more
     static constexpr std::size_t MOINDRE = 16;      // of a cut, the smaller part: one of so many at least
     static constexpr std::uint32_t CLAIRSEME = 16;  // members of a leaf on average, below which the tree is built anew
-    static constexpr std::size_t ECHANTILLON = 2048;  // members that decide how a subtree is built
+    static constexpr std::size_t ECHANTILLON = 1024;  // members that decide how a subtree is built
     static constexpr std::uint64_t CREDIT = 8;        // members that may be moved for each one added
 
     struct Branche {
         // Of a leaf: how many members it holds before it is split. Of a cut by a set: the number of its thresholds.
-        Compte seuil = CAPACITE;
+        Compte seuil = 0;
         std::uint32_t place = FEUILLE;  // or ENSEMBLE
         // Of an inner node: the one below for those with less than `seuil`; that for the others follows it. Of a leaf:
         // its number in `feuilles_`.
@@ -72,6 +74,7 @@ private:
     };
     using Membres = std::vector<std::vector<Mot>>;
 
+    std::size_t capacite() const { return std::max(CAPACITE, OCTETS / champs_->octets()); }
     const std::uint8_t* jointure(std::uint32_t branche) const { return bornes_.en(branche); }
     const std::uint8_t* rencontre(std::uint32_t branche) const { return bornes_.en(branche) + champs_->octets(); }
     /// Whether `m` holds as much as the cut asks for; then so does whatever covers it.

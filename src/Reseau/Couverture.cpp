@@ -27,6 +27,7 @@ Couverture::Couverture(const Net& net, unsigned fils)
       antichaine_(*champs_),
       arbre_(*champs_),
       accelerations_(net),
+      epuisement_(net),
       marquee_(net.places.size(), 0),
       parent_(*champs_),
       courant_(*champs_),
@@ -57,10 +58,9 @@ bool Couverture::atteinte() {
 
 bool Couverture::construire(std::uint64_t limite, bool arretOmega) {
     while (true) {
-        const std::uint32_t noeud = sommet();
-        if (noeud == AUCUN || (arretOmega && nonBornee_) || atteinte()) return true;
+        if (!sommet() || (arretOmega && nonBornee_) || atteinte()) return true;
         if (explores_ >= limite || gardes_ / 4 >= limite) return false;
-        developper(noeud);
+        developper();
     }
 }
 
@@ -77,13 +77,10 @@ bool Couverture::enumerer(std::uint64_t limite) {
 /// Hands everything over to an enumeration.
 void Couverture::ceder() {
     enumeration_ = std::make_unique<Enumeration>(net_, maxima_, fils_);
-    std::vector<std::uint32_t> attente;
-    for (std::uint32_t n = sommet(); n != AUCUN; n = sommet()) {
-        attente.push_back(n);
-        oterSommet();
-    }
-    for (auto n = attente.rbegin(); n != attente.rend(); ++n) {
-        arbre_.lire(*n, courant_.mots());
+    Blocs attente(champs_->octets());
+    for (; sommet(); oterSommet()) champs_->ranger(parent_.mots(), attente.ajouter());
+    for (; attente.taille() > 0; attente.oter()) {
+        champs_->reprendre(attente.en(attente.taille() - 1), courant_.mots());
         enumeration_->admettre(champs_->creux(courant_.mots()), true);
     }
     antichaine_.pourChaque([this](const std::uint8_t* garde) {
@@ -94,47 +91,63 @@ void Couverture::ceder() {
     arbre_ = Arbre(*champs_);
 }
 
-/// The node of the frontier to be expanded next, its marking in `parent_`, or AUCUN. Those whose markings have been
-/// retired are dropped, and those to which a newer acceleration applies give way to what comes of it.
-std::uint32_t Couverture::sommet() {
+/// Makes what is to be expanded next `parent_` and `noeud_`. What has been retired is dropped, and that to which a
+/// newer acceleration applies gives way to what comes of it.
+/// @return whether anything is left
+bool Couverture::sommet() {
     while (!frontiere_.empty()) {
-        const auto [n, connues] = frontiere_.rbegin()->second;
-        arbre_.lire(n, parent_.mots());
+        const Liste& liste = frontiere_.rbegin()->second;
+        noeud_ = liste.tete;
+        if (noeud_ == AUCUN)
+            champs_->reprendre(liste.epuisees.en(liste.epuisees.taille() - 1, champs_->octets()), parent_.mots());
+        else
+            arbre_.lire(noeud_, parent_.mots());
         const bool maximal = antichaine_.contient(parent_.mots());
         std::vector<std::uint32_t> pompes;
         courant_ = parent_;
-        if (maximal && connues < accelerations_.nombre()) accelerations_.appliquer(courant_, pompes);
-        if (maximal && pompes.empty()) return n;
+        if (maximal && noeud_ != AUCUN && liste.connues < accelerations_.nombre())
+            accelerations_.appliquer(courant_, pompes);
+        if (maximal && pompes.empty()) return true;
         oterSommet();
-        arbre_.ouvrir(n);
-        if (maximal && !connu()) garder(n, AUCUN, std::move(pompes));
-        fermer(n);
+        if (noeud_ == AUCUN) continue;
+        const std::uint32_t noeud = noeud_;
+        arbre_.ouvrir(noeud);
+        epuise_ = false;
+        if (maximal && !connu()) garder(noeud, AUCUN, std::move(pompes));
+        fermer(noeud);
     }
-    return AUCUN;
+    return false;
 }
 
 void Couverture::oterSommet() {
-    const auto dernier = std::prev(frontiere_.end());
-    dernier->second = {arbre_.suivant(dernier->second.tete), 0};
-    if (dernier->second.tete == AUCUN) frontiere_.erase(dernier);
+    const auto derniere = std::prev(frontiere_.end());
+    Liste& liste = derniere->second;
+    if (liste.tete == AUCUN)
+        liste.epuisees.raccourcir(liste.epuisees.taille() - 1, champs_->octets());
+    else
+        liste.tete = arbre_.suivant(liste.tete);
+    liste.connues = 0;
+    if (liste.vide()) frontiere_.erase(derniere);
     --enAttente_;
 }
 
-/// Expands the topmost node of the frontier, whose marking is in `parent_`.
-void Couverture::developper(std::uint32_t noeud) {
+/// Expands the top of the frontier.
+void Couverture::developper() {
     ++explores_;
     oterSommet();
-    arbre_.ouvrir(noeud);
-    lignee_.suivre(arbre_, *champs_, noeud);
+    const std::uint32_t noeud = noeud_;
+    epuise_ = noeud == AUCUN || epuisement_.chez(*champs_, parent_.mots());
+    if (noeud != AUCUN) arbre_.ouvrir(noeud);
+    if (!epuise_) lignee_.suivre(arbre_, *champs_, noeud);
     connues_ = accelerations_.nombre();
     champs_->pourChaqueMarquee(parent_.mots(), [this](std::uint32_t p) { ++marquee_[p]; });
     if (std::has_single_bit(explores_)) franchissement_.guetter(marquee_);
     franchissement_.utiles(parent_.mots(), tirs_);
     for (const std::uint32_t t : tirs_) {
         // Its coverer stands in the frontier and is expanded in its place.
-        if (successeur(noeud, t) && champs_->couvre(courant_.mots(), parent_.mots())) break;
+        if (successeur(t) && champs_->couvre(courant_.mots(), parent_.mots())) break;
     }
-    fermer(noeud);
+    if (noeud != AUCUN) fermer(noeud);
 }
 
 /// Ends the expansion of a node.
@@ -144,7 +157,7 @@ void Couverture::fermer(std::uint32_t noeud) {
 }
 
 /// @return whether the successor is kept
-bool Couverture::successeur(std::uint32_t parent, std::uint32_t tir) {
+bool Couverture::successeur(std::uint32_t tir) {
     Manque manque;
     courant_ = parent_;
     while (!franchissement_.tirer(tir, courant_.mots(), manque)) {
@@ -154,8 +167,8 @@ bool Couverture::successeur(std::uint32_t parent, std::uint32_t tir) {
     std::vector<std::uint32_t> pompes;
     accelerations_.appliquer(courant_, net_.transitions[tir].effet, connues_, pompes);
     if (connu()) return false;
-    if (!incomparables_ && accelerer(tir, pompes) && connu()) return false;
-    garder(parent, tir, std::move(pompes));
+    if (!incomparables_ && !epuise_ && accelerer(tir, pompes) && connu()) return false;
+    garder(noeud_, tir, std::move(pompes));
     return true;
 }
 
@@ -197,11 +210,15 @@ void Couverture::garder(std::uint32_t parent, std::uint32_t tir, std::vector<std
 
     const Rang rang = compterLeCourant();
     nonBornee_ = nonBornee_ || rang.omegas > 0;
-    const std::uint32_t noeud = arbre_.ajouter(courant_.mots(), parent, tir, std::move(pompes));
     Liste& liste = frontiere_[rang];
+    ++enAttente_;
+    if (epuise_ && !chemins_) {
+        champs_->ranger(courant_.mots(), liste.epuisees.allonger(champs_->octets()));
+        return;
+    }
+    const std::uint32_t noeud = arbre_.ajouter(courant_.mots(), parent, tir, std::move(pompes));
     arbre_.suivant(noeud) = std::exchange(liste.tete, noeud);
     liste.connues = accelerations_.nombre();
-    ++enAttente_;
 }
 
 /// The rank of `courant_`; its counts go into the maxima.
@@ -227,6 +244,7 @@ void Couverture::elargir(const Manque& manque) {
     antichaine_.convertir(*champs);
     arbre_.convertir(*champs);
     lignee_.convertir(*champs_, *champs);
+    for (auto& [rang, liste] : frontiere_) liste.epuisees = convertir(*champs_, liste.epuisees, *champs);
     const auto porter = [&](Marquage& m) {
         Marquage nouveau(*champs);
         convertir(*champs_, m.mots(), *champs, nouveau.mots());

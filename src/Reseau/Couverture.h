@@ -12,7 +12,8 @@
 // successors is covered: the downward closure of the maximal markings contains the initial marking and is
 // closed under firing. A retired marking is never lost, since what retired it is kept; nothing else is ever
 // removed, no subtree is pruned. (Pruning subtrees of covered markings is the known unsound shortcut.) A
-// retired marking stays an ancestor of what waits in the frontier: forgetting it could delay an acceleration.
+// retired marking stays an ancestor of what waits in the frontier: forgetting it could delay an acceleration. Where
+// nothing is left to accelerate (Epuisement in Conservation.h), ancestors are neither compared nor kept.
 //
 // Why it ends: an infinite branch would hold an infinite ascending sequence (Dickson), hence infinitely many
 // accelerations, each of which turns a place into omega. That holds as well when far ancestors are compared
@@ -37,8 +38,10 @@
 #include "Reseau/Antichaine.h"
 #include "Reseau/Arbre.h"
 #include "Reseau/Champs.h"
+#include "Reseau/Conservation.h"
 #include "Reseau/Enumeration.h"
 #include "Reseau/Franchissement.h"
+#include "Reseau/Liasse.h"
 #include "Reseau/Marquage.h"
 #include "Reseau/Net.h"
 
@@ -100,10 +103,12 @@ private:
     static constexpr std::uint32_t AUCUN = Arbre::AUCUN;
     static constexpr std::uint32_t PROCHES = 256;  // ancestors that are compared in any case
 
-    /// Nodes of one rank that wait, chained through the tree, latest first.
+    /// What waits of one rank.
     struct Liste {
-        std::uint32_t tete = AUCUN;
-        std::uint32_t connues = 0;  // of the accelerations, how many have been tried on the head
+        std::uint32_t tete = AUCUN;  // nodes, chained through the tree, latest first
+        std::uint32_t connues = 0;   // of the accelerations, how many have been tried on the head
+        Liasse epuisees;             // markings that need no ancestors, latest last
+        bool vide() const { return tete == AUCUN && epuisees.taille() == 0; }
     };
     /// What is expanded first: the greatest.
     struct Rang {
@@ -119,11 +124,11 @@ private:
     bool enumerer(std::uint64_t limite);
     void ceder();
     bool atteinte();
-    std::uint32_t sommet();
+    bool sommet();
     void oterSommet();
-    void developper(std::uint32_t noeud);
+    void developper();
     void fermer(std::uint32_t noeud);
-    bool successeur(std::uint32_t parent, std::uint32_t tir);
+    bool successeur(std::uint32_t tir);
     bool connu() const;
     Rang compterLeCourant();
     bool accelerer(std::uint32_t tir, std::vector<std::uint32_t>& pompes);
@@ -145,8 +150,11 @@ private:
     Arbre arbre_;
     Lignee lignee_;
     Accelerations accelerations_;
+    Epuisement epuisement_;
     std::map<Rang, Liste> frontiere_;
-    std::uint32_t connues_ = 0;  // of the accelerations, how many do not change `parent_`
+    std::uint32_t noeud_ = AUCUN;  // of `parent_`, when it has one
+    bool epuise_ = false;          // whether nothing that `parent_` leads to can be accelerated
+    std::uint32_t connues_ = 0;    // of the accelerations, how many do not change `parent_`
     std::vector<std::uint32_t> tirs_;
     std::vector<std::uint64_t> marquee_;  // by place, how many of the expanded markings mark it
     std::uint64_t gardes_ = 0;

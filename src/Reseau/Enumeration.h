@@ -55,7 +55,7 @@ public:
 
 private:
     static constexpr unsigned SECTIONS = 16;
-    static constexpr std::uint64_t LOT = 4096;      // markings of a batch at most
+    static constexpr std::uint64_t LOT = 2048;      // markings of a batch at most
     static constexpr std::uint64_t PROFOND = 4096;  // markings expanded until it goes wide
     static constexpr std::uint64_t SEUL = 256;      // a batch below is not worth waking threads
 

@@ -1,11 +1,12 @@
-// A growing array of packed markings of one size, in which no more than one place in eight (but always one) is room to
-// grow.
+// A growing array of packed markings of one size, in which no more than one place in sixteen (but always one) is room
+// to grow.
 #pragma once
 
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <vector>
 
 #include "Reseau/Champs.h"
 
@@ -20,7 +21,7 @@ public:
     /// Makes room for one more at the end.
     /// @throws std::bad_alloc
     std::uint8_t* allonger(std::size_t octets) {
-        if (taille_ == place_) retailler(taille_ + taille_ / 8 + 1, octets);
+        if (taille_ == place_) retailler(taille_ + taille_ / 16 + 1, octets);
         return en(taille_++, octets);
     }
     /// Shortens it; room that is no longer needed is given back.
@@ -45,5 +46,18 @@ private:
     std::uint32_t taille_ = 0;
     std::uint32_t place_ = 0;
 };
+
+/// The same markings in another layout.
+inline Liasse convertir(const Champs& de, const Liasse& liasse, const Champs& vers) {
+    Liasse convertie;
+    std::vector<Mot> avant(de.mots());
+    std::vector<Mot> apres(vers.mots());
+    for (std::uint32_t i = 0; i < liasse.taille(); ++i) {
+        de.reprendre(liasse.en(i, de.octets()), avant.data());
+        convertir(de, avant.data(), vers, apres.data());
+        vers.ranger(apres.data(), convertie.allonger(vers.octets()));
+    }
+    return convertie;
+}
 
 }  // namespace Reseau

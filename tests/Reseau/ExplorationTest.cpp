@@ -264,6 +264,28 @@ TEST(AntichainesLarges, MarkingsOfAFewTokensAmongManyPlacesAreCoveredAndRetiredA
     EXPECT_GT(liste.size(), 1000U);
 }
 
+/// Once there are as many customers as one likes the rest of the shop only goes round; before, it can still be pumped.
+TEST(EpuisementTest, NothingIsLeftToAccelerateWhereTheFinitePlacesKeepAWeighting) {
+    std::istringstream texte("tr a -> client\ntr b client libre -> servi\ntr c servi -> libre\npl libre (3)\n");
+    const Reseau::Net lu = Reseau::lire(texte, "essai");
+    ASSERT_THAT(lu.places, testing::ElementsAre("client", "libre", "servi"));
+    const Champs champs(Comptes(3, 5), true);
+    Reseau::Epuisement epuisement(lu);
+    const Mots fini = emballer(champs, {2, 3, 0});
+    const Mots omega = emballer(champs, {OMEGA, 3, 0});
+    bool avecFini = false;
+    bool avecOmega = false;
+    for (int i = 0; i < 1000; ++i) {
+        avecFini = avecFini || epuisement.chez(champs, fini.data());
+        avecOmega = epuisement.chez(champs, omega.data());
+    }
+    EXPECT_FALSE(avecFini);
+    EXPECT_TRUE(avecOmega);
+    // What was finite and takes part in growth must not be taken for exhausted, either.
+    const Mots autre = emballer(champs, {0, OMEGA, 0});
+    for (int i = 0; i < 1000; ++i) EXPECT_FALSE(epuisement.chez(champs, autre.data()));
+}
+
 TEST(FranchissementTest, TheUsefulTransitionsAreThoseThatAScanOfAllFinds) {
     Hasard h(8);
     for (int tour = 0; tour < 300; ++tour) {
