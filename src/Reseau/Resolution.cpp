@@ -16,7 +16,7 @@ constexpr std::uint64_t MINIMUM =
     100;                         // markings expanded in the first exploration, as far as the next ones depend on it
 constexpr unsigned EFFORTS = 5;  // of the state equation
 constexpr unsigned TOURS = 12;   // of taking turns; no net is complete after so many markings that was not before
-constexpr std::uint64_t COMPOSANTES = 20'000'000;  // arcs followed in one turn
+constexpr std::uint64_t COMPOSANTES = 4'000'000;  // arcs followed in one turn
 constexpr std::uint64_t QUESTIONS = 8;  // that may use up all their effort before the exploration has its turn
 constexpr Large TOUT = static_cast<Large>(1) << 125;  // any finite bound is good enough
 
@@ -52,7 +52,7 @@ void Resolution::finir(const Options& options) {
     if (!couverture.nonBornee() && conservatif(net_)) couverture.declarerIncomparables();
     if (Majorants::possible(net_)) majorants.emplace(net_);
     for (unsigned tour = 0; tour < TOURS; ++tour) {
-        if (!options.verdictSeul && majorerParComposantes()) return;
+        if (!options.verdictSeul && majorerParComposantes(options.preuves)) return;
         if (majorants && tour < EFFORTS) {
             if (options.verdictSeul ? majorerEnsemble(tour) : majorer(tour)) return;
             if (options.verdictSeul && !bornee()) return;
@@ -93,27 +93,32 @@ bool Resolution::viser() {
 }
 
 /// Settles places by sets whose tokens never become more; one serves all its places that have been seen with all of
-/// them.
+/// them. The places that have not been seen marked come last: they are many, and few of them stand in an empty set.
 /// @return as `majorer`
-bool Resolution::majorerParComposantes() {
+bool Resolution::majorerParComposantes(bool preuves) {
     std::vector<Compte> vus(net_.places.size());
     for (std::uint32_t p = 0; p < vus.size(); ++p) vus[p] = borne(p);
     std::uint64_t travail = COMPOSANTES;
-    for (std::uint32_t p = 0; p < vus.size(); ++p) {
-        if (reglee(p)) continue;
-        const auto places = composantes_.chercher(p, vus, travail);
-        if (!places) continue;
-        for (const std::uint32_t q : *places) {
-            if (vus[q] != vus[p] || reglee(q)) continue;
-            Cas cas;
-            cas.facteur = 1;
-            cas.total = vus[p];
-            for (const std::uint32_t autre : *places)
-                if (autre != q) cas.multiplicateurs.emplace_back(autre, 1);
-            majorations[q] = Majoration{vus[p], {std::move(cas)}};
-        }
-    }
+    for (const bool vides : {false, true})
+        for (std::uint32_t p = 0; p < vus.size(); ++p)
+            if ((vus[p] == 0) == vides && !reglee(p))
+                if (const auto places = composantes_.chercher(p, vus, travail)) regler(*places, vus[p], preuves);
     return viser();
+}
+
+/// Settles the places of a set which have been seen with all of its tokens.
+void Resolution::regler(const std::vector<std::uint32_t>& composante, Compte jetons, bool preuves) {
+    for (const std::uint32_t p : composante) {
+        if (borne(p) != jetons || reglee(p)) continue;
+        majorations[p] = Majoration{jetons, {}};
+        if (!preuves) continue;  // a set of thousands of places is not written down for each of them
+        Cas cas;
+        cas.facteur = 1;
+        cas.total = jetons;
+        for (const std::uint32_t autre : composante)
+            if (autre != p) cas.multiplicateurs.emplace_back(autre, 1);
+        majorations[p]->preuve.push_back(std::move(cas));
+    }
 }
 
 /// The places of the control token that it has not been seen in: while there is a run to any of them, it is looked for;

@@ -50,7 +50,8 @@ public:
     Tireur tireur;
     /// The state equation, once it has been asked.
     std::optional<Majorants> majorants;
-    /// The upper bounds found without exploration, by place. What has none is bounded by the complete coverability set.
+    /// The upper bounds found without exploration, by place; each with its proof when proofs are asked for. What has
+    /// none is bounded by the complete coverability set.
     std::vector<std::optional<Majoration>> majorations;
     /// When only the verdict was asked: the bound of all places together.
     std::optional<Majoration> ensemble;
@@ -58,7 +59,8 @@ public:
 private:
     bool reglee(std::uint32_t place) const;
     bool viser();
-    bool majorerParComposantes();
+    bool majorerParComposantes(bool preuves);
+    void regler(const std::vector<std::uint32_t>& composante, Compte jetons, bool preuves);
     bool majorer(unsigned effort);
     void majorerJeton(unsigned effort, std::uint64_t& depense);
     bool majorerEnsemble(unsigned effort);

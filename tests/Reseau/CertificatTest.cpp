@@ -62,12 +62,14 @@ std::string texte(const Reseau::Net& net) {
 
 class CertificatsDesFamilles : public testing::TestWithParam<familles::Famille> {};
 
-/// The nets of the benchmark, but for models that are not answered in time: bench/reseau_preuves tries all of them.
+/// The nets of the benchmark, but for models that are not answered in time and nets of a thousand places that take the
+/// checker long: bench/reseau_preuves tries all of them.
 TEST_P(CertificatsDesFamilles, EveryAnswerOfTheBenchmarkIsProved) {
     const std::set<std::string> longs{"model 20/8",  "model 50/2",   "model 50/12",
                                       "model 100/6", "model 100/20", "model 200/20"};
     for (const int n : GetParam().parametres) {
         if (n > 1 && longs.contains(GetParam().nom)) continue;
+        if (n == 1000 && (GetParam().nom == "threads" || GetParam().nom == "calls")) continue;
         const std::string net = texte(GetParam().net(n));
         for (const bool verdictSeul : {false, true}) {
             const std::string r = rapport(net, {.verdictSeul = verdictSeul, .preuves = true});
