@@ -121,6 +121,34 @@ std::optional<Jeton> Jeton::trouver(const Net& net) {
     return meilleur;
 }
 
+std::vector<std::vector<bool>> Jeton::composantes(const std::vector<bool>& tirees) const {
+    std::vector<std::vector<std::uint32_t>> voisins(nombre_);
+    for (std::uint32_t t = 0; t < tirees.size(); ++t) {
+        if (!tirees[t]) continue;
+        voisins[de_[t]].push_back(vers_[t]);
+        voisins[vers_[t]].push_back(de_[t]);
+    }
+    std::vector<std::vector<bool>> resultat;
+    std::vector<bool> vues(nombre_, false);
+    for (const std::uint32_t premiere : places_) {
+        if (vues[premiere] || voisins[premiere].empty()) continue;
+        std::vector<bool> composante(nombre_, false);
+        std::vector<std::uint32_t> pile{premiere};
+        vues[premiere] = true;
+        while (!pile.empty()) {
+            const std::uint32_t p = pile.back();
+            pile.pop_back();
+            composante[p] = true;
+            for (const std::uint32_t q : voisins[p]) {
+                if (!vues[q]) pile.push_back(q);
+                vues[q] = true;
+            }
+        }
+        resultat.push_back(std::move(composante));
+    }
+    return resultat;
+}
+
 std::vector<std::vector<bool>> Jeton::derniers(const std::vector<bool>& tirees) const {
     std::vector<std::vector<std::uint32_t>> suivants(nombre_);
     std::set<std::uint32_t> atteintes;

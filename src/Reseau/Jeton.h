@@ -33,6 +33,10 @@ public:
     /// as a bit vector over all places, without repetition and without those that hold it at the start.
     std::vector<std::vector<bool>> derniers(const std::vector<bool>& tirees) const;
 
+    /// The places that `tirees` connect, as bit vectors over all places, one for each component; every transition moves
+    /// the token.
+    std::vector<std::vector<bool>> composantes(const std::vector<bool>& tirees) const;
+
 private:
     std::vector<std::uint32_t> places_;
     std::size_t nombre_ = 0;  // of all places of the net

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <numeric>
 #include <utility>
 
 #include "Reseau/Tir.h"
@@ -18,6 +19,7 @@ constexpr std::uint64_t PART = 8;                       // of it that one search
 constexpr std::size_t NOEUDS = 64;                      // of one search
 constexpr std::uint64_t CASES_EN_MEMOIRE = 10'000'000;  // of the dictionaries of all open cases
 constexpr std::size_t COUPES = 40;                      // on the way to one case
+constexpr std::size_t LIAISONS = 20;                    // rounds of connecting what a ray fires
 constexpr std::size_t PLONGEE = 40;                     // programs solved for one integer solution
 constexpr Large INFINI = static_cast<Large>(1) << 126;
 
@@ -88,6 +90,9 @@ Majorants::Majorants(const Net& net)
         if (jeton_->de(t) == Jeton::NULLE_PART) return;
     promenade_.emplace(net_, *jeton_);
 }
+
+/// Accounts for a copy of the program.
+void Majorants::payer() const { travail_ -= std::min(travail_, cases(net_)); }
 
 bool Majorants::possible(const Net& net) { return cases(net) <= CASES_DENSES; }
 
@@ -167,27 +172,11 @@ bool Majorants::traiter(Question& q, std::uint32_t numero) {
     const Simplexe& s = *programme;
     const bool infinie = q.noeuds[numero].borne == INFINI;
     std::optional<Cas> cas = contradiction(s, infinie);
-    if (!cas && infinie) pomper(s, q);
-    if (!cas && !infinie) {
-        const std::optional<Simplexe> moindre = moindresTirs(s, q);
-        if (moindre) cas = contradiction(*moindre, false);
-        if (!cas) {
-            const std::optional<Simplexe> rond = moindre ? entier(*moindre) : std::nullopt;
-            if (rond) cas = contradiction(*rond, false);
-            if (!cas) {
-                if (rond)
-                    realiser(*rond, q);
-                else if (!moindre || !realiser(*moindre, q))
-                    realiser(s, q);
-                if (q.noeuds[numero].borne <= q.minorant) return false;
-                if (rond) cas = tropTot(*rond);
-                if (!cas && q.noeuds[numero].coupes < COUPES) cas = arrondi(s);
-                if (!cas) cas = fraction(s);
-                if (!cas && moindre) cas = fraction(*moindre);
-                if (!cas && !q.noeuds[numero].finie) cas = finDuJeton(moindre ? *moindre : s);
-            }
-        }
+    if (!cas && infinie) {
+        pomper(s, q);
+        if (q.tireur != nullptr && q.tireur->pompes().empty()) cas = tropTot(s, true);
     }
+    if (!cas && !infinie) cas = approfondir(q, numero, s);
     if (!cas) return false;
     q.noeuds[numero].premier = static_cast<std::uint32_t>(q.noeuds.size());
     const Jeton* jeton = jeton_ ? &*jeton_ : nullptr;
@@ -202,6 +191,30 @@ bool Majorants::traiter(Question& q, std::uint32_t numero) {
     if (cas->genre == Cas::NIVEAU) q.noeuds.back().finie = true;
     q.noeuds[numero].distinction = std::move(cas);
     return true;
+}
+
+/// Looks for a run in a case whose solution contradicts nothing.
+/// @return the distinction to go on with when none reaches its bound; or nothing
+std::optional<Cas> Majorants::approfondir(Question& q, std::uint32_t numero, const Simplexe& s) {
+    const Noeud& noeud = q.noeuds[numero];
+    const std::optional<Simplexe> moindre = moindresTirs(s, q);
+    if (moindre)
+        if (auto cas = contradiction(*moindre, false)) return cas;
+    if (!promenade_ && (!moindre || !realiser(*moindre, q))) realiser(s, q);
+    if (noeud.borne <= q.minorant) return std::nullopt;
+    if (const auto rond = moindre ? entier(*moindre) : std::nullopt) {
+        if (auto cas = contradiction(*rond, false)) return cas;
+        if (promenade_) realiser(*rond, q);
+        if (noeud.borne <= q.minorant) return std::nullopt;
+        if (auto cas = tropTot(*rond, false)) return cas;
+    }
+    if (noeud.coupes < COUPES)
+        if (auto cas = arrondi(s)) return cas;
+    if (auto cas = fraction(s)) return cas;
+    if (moindre)
+        if (auto cas = fraction(*moindre)) return cas;
+    if (noeud.finie) return std::nullopt;
+    return finDuJeton(moindre ? *moindre : s);
 }
 
 /// Adds a case of `parent`, with its parent's bound until its turn comes.
@@ -262,32 +275,117 @@ std::vector<const Contrainte*> Majorants::enVigueur(const Question& q, std::uint
 /// be repeated shows.
 void Majorants::pomper(const Simplexe& s, const Question& q) {
     if (q.tireur == nullptr) return;
-    constexpr Large FOIS = 4;
     const auto transitions = static_cast<std::uint32_t>(net_.transitions.size());
-    Large commun = 1;
-    for (std::uint32_t t = 0; t < transitions; ++t) {
-        const Large d = s.croissance(t).denominateur;
-        if (__builtin_mul_overflow(commun, commun % d == 0 ? 1 : d, &commun) || commun > OMEGA / FOIS) return;
-    }
-    std::vector<Compte> comptes(transitions);
-    for (std::uint32_t t = 0; t < transitions; ++t) {
-        const Fraction c = s.croissance(t);
-        Large tirs = 0;
-        if (__builtin_mul_overflow(c.numerateur, FOIS * commun / c.denominateur, &tirs) ||
-            __builtin_add_overflow(tirs, s.valeur(t).plancher(), &tirs) || tirs >= OMEGA)
-            return;
-        comptes[t] = static_cast<Compte>(tirs);
-    }
     const auto pousse =
         std::ranges::find_if(q.places, [&](std::uint32_t p) { return s.croissance(transitions + p).numerateur > 0; });
     if (pousse == q.places.end()) return;
-    Large but = net_.initial[*pousse];
-    for (std::uint32_t t = 0; t < transitions; ++t) {
-        const Large plus = static_cast<Large>(valeur(net_.transitions[t].effet, *pousse)) * comptes[t];
-        if (__builtin_add_overflow(but, plus, &but)) return;
+    for (const Large fois : {4, 1}) {
+        const auto comptes = leLongDuRayon(s, fois);
+        if (!comptes) continue;
+        Large but = net_.initial[*pousse];
+        for (const auto& [t, effet] : etats_[*pousse].forme) but += effet * (*comptes)[t];
+        courir(q, *comptes, *pousse, static_cast<Compte>(std::min<Large>(but, OMEGA - 1)));
+        q.tireur->pomper();
+        if (q.tireur->minorants()[*pousse] == OMEGA) return;
     }
-    courir(q, comptes, *pousse, static_cast<Compte>(std::min<Large>(but, OMEGA - 1)));
-    q.tireur->pomper();
+    if (!promenade_) return;
+    if (const auto tour = boucle(*pousse)) tourner(q, *tour);
+}
+
+namespace {
+
+/// @return nothing when it leaves 64 bits
+std::optional<Large> multipleCommun(Large a, Large b) {
+    if (a % b == 0) return a;
+    if (b >= OMEGA) return std::nullopt;
+    const Large produit = a * (b / std::gcd(static_cast<Compte>(a), static_cast<Compte>(b)));
+    return produit < OMEGA ? std::optional(produit) : std::nullopt;
+}
+
+/// `fois` times `f`, which is made an integer by `commun`.
+std::optional<Compte> entiere(const Fraction& f, Large commun, Large fois) {
+    Large n = 0;
+    if (__builtin_mul_overflow(f.numerateur, fois * (commun / f.denominateur), &n) || n >= OMEGA) return std::nullopt;
+    return static_cast<Compte>(n);
+}
+
+}  // namespace
+
+/// The firings of the solution, and those that lead along the ray as far as integers go, `fois` times.
+std::optional<std::vector<Compte>> Majorants::leLongDuRayon(const Simplexe& s, Large fois) const {
+    const auto transitions = static_cast<std::uint32_t>(net_.transitions.size());
+    std::optional<Large> commun = 1;
+    for (std::uint32_t t = 0; t < transitions && commun; ++t)
+        commun = multipleCommun(*commun, s.croissance(t).denominateur);
+    if (!commun) return std::nullopt;
+    std::vector<Compte> comptes(transitions);
+    for (std::uint32_t t = 0; t < transitions; ++t) {
+        const auto tirs = entiere(s.croissance(t), *commun, fois);
+        if (!tirs || s.valeur(t).plancher() >= OMEGA - *tirs) return std::nullopt;
+        comptes[t] = static_cast<Compte>(s.valeur(t).plancher() + *tirs);
+    }
+    return comptes;
+}
+
+/// Counts as small as may be that a way of the token back to where it stands may have which adds to `place` and takes
+/// nothing: a ray of the state equation whose firings are connected.
+std::optional<std::vector<Compte>> Majorants::boucle(std::uint32_t place) const {
+    const auto transitions = static_cast<std::uint32_t>(net_.transitions.size());
+    try {
+        payer();
+        Simplexe s(transitions, &travail_);
+        for (const Contrainte& c : etats_) s.contraindre(0, c.forme);
+        s.contraindre(-1, etats_[place].forme);
+        Simplexe::Forme tirs;
+        for (std::uint32_t t = 0; t < transitions; ++t) tirs.emplace_back(t, -1);
+        auto issue = s.maximiser(tirs);
+        for (std::size_t essai = 0; essai < LIAISONS && issue == Simplexe::Issue::OPTIMUM; ++essai) {
+            std::vector<bool> tirees(transitions);
+            for (std::uint32_t t = 0; t < transitions; ++t) tirees[t] = s.valeur(t).numerateur > 0;
+            const auto composantes = jeton_->composantes(tirees);
+            if (composantes.size() <= 1) return entiers(s);
+            for (const std::vector<bool>& u : composantes) {
+                Simplexe::Forme sorties;
+                for (std::uint32_t t = 0; t < transitions; ++t)
+                    if (u[jeton_->de(t)] && !u[jeton_->vers(t)]) sorties.emplace_back(t, 1);
+                s.contraindre(-1, sorties);
+            }
+            issue = s.reoptimiser();
+        }
+    } catch (const Abandon&) {
+    }
+    return std::nullopt;
+}
+
+/// The solution of a program whose constraints hold for its multiples, too, as the smallest one in integers.
+std::optional<std::vector<Compte>> Majorants::entiers(const Simplexe& s) const {
+    const auto transitions = static_cast<std::uint32_t>(net_.transitions.size());
+    std::optional<Large> commun = 1;
+    for (std::uint32_t t = 0; t < transitions && commun; ++t)
+        commun = multipleCommun(*commun, s.valeur(t).denominateur);
+    if (!commun) return std::nullopt;
+    std::vector<Compte> comptes;
+    for (std::uint32_t t = 0; t < transitions; ++t) {
+        const auto tirs = entiere(s.valeur(t), *commun, 1);
+        if (!tirs) return std::nullopt;
+        comptes.push_back(*tirs);
+    }
+    return comptes;
+}
+
+/// Looks for a run to where the token can go once around with these counts and be back with no less.
+void Majorants::tourner(const Question& q, const std::vector<Compte>& tour) {
+    const std::uint64_t accorde = std::min(travail_, q.parCourse);
+    std::uint64_t reste = accorde;
+    try {
+        if (auto course = promenade_->tourner(tour, reste)) {
+            q.tireur->adopter(std::move(*course));
+            q.tireur->pomper();
+        }
+    } catch (const Debordement&) {
+        // What a move fires does not fit; it says nothing about the others.
+    }
+    travail_ -= accorde - reste;
 }
 
 /// What the solution fires that no run does: out of a place that is never marked, or too early.
@@ -394,26 +492,29 @@ std::optional<Cas> Majorants::arrondi(const Simplexe& s) const {
 }
 
 /// A transition that is fired when what it needs is not there, the first time or the last, in whatever order the
-/// solution's firings are done.
-std::optional<Cas> Majorants::tropTot(const Simplexe& s) const {
+/// solution's firings are done. On a ray firings may be repeated for ever, and there is no last one.
+std::optional<Cas> Majorants::tropTot(const Simplexe& s, bool infinie) const {
     std::vector<Compte> comptes(net_.transitions.size());
     for (std::uint32_t t = 0; t < comptes.size(); ++t) {
-        const Large x = s.valeur(t).plancher();
-        if (x >= OMEGA) return std::nullopt;
-        comptes[t] = static_cast<Compte>(x);
+        const Large x = infinie && s.grandit(t) && s.croissance(t).numerateur > 0 ? OMEGA : s.valeur(t).plafond();
+        if (x >= OMEGA && !infinie) return std::nullopt;
+        comptes[t] = static_cast<Compte>(std::min<Large>(x, OMEGA));
     }
-    for (const Cas::Genre genre : {Cas::PREMIER, Cas::DERNIER})
+    for (const Cas::Genre genre : {Cas::PREMIER, Cas::DERNIER}) {
+        if (infinie && genre == Cas::DERNIER) continue;
         for (std::uint32_t t = 0; t < comptes.size(); ++t)
             if (comptes[t] > 0)
                 if (auto cas = instant(comptes, t, genre)) return cas;
+    }
     return std::nullopt;
 }
 
 /// Whether `comptes` contradict that what t needs is there when it is fired for the first or the last time: a linear
-/// program over the firings that may be done before, or come after.
+/// program over the firings that may be done before, or come after; OMEGA is as many as one likes.
 std::optional<Cas> Majorants::instant(const std::vector<Compte>& comptes, std::uint32_t t, Cas::Genre genre) const {
     const bool premier = genre == Cas::PREMIER;
     const auto transitions = static_cast<std::uint32_t>(comptes.size());
+    payer();
     try {
         Simplexe s(transitions, &travail_);
         for (std::uint32_t p = 0; p < net_.places.size(); ++p) {
@@ -426,7 +527,7 @@ std::optional<Cas> Majorants::instant(const std::vector<Compte>& comptes, std::u
             s.contraindre(constante, forme);
         }
         for (std::uint32_t u = 0; u < transitions; ++u)
-            if (u != t && comptes[u] > 0) s.contraindre(comptes[u], {{u, -1}});
+            if (u != t && comptes[u] > 0 && comptes[u] != OMEGA) s.contraindre(comptes[u], {{u, -1}});
         if (s.maximiser({}) != Simplexe::Issue::IMPOSSIBLE) return std::nullopt;
         Cas cas;
         cas.genre = genre;
@@ -453,6 +554,7 @@ std::optional<Simplexe> Majorants::entier(Simplexe s) const {
             if (!haut.valeur(v).entiere() && (!t || haut.valeur(v).plancher() < haut.valeur(*t).plancher())) t = v;
         if (!t) return haut;
         const Large k = haut.valeur(*t).plancher();
+        payer();
         try {
             Simplexe bas = haut;
             bas.contraindre(k, {{*t, -1}});
@@ -485,6 +587,7 @@ std::optional<Cas> Majorants::finDuJeton(const Simplexe& s) const {
 /// A solution that is as good, to the integer, and fires the least; it fires nothing in circles.
 std::optional<Simplexe> Majorants::moindresTirs(const Simplexe& s, const Question& q) const {
     if (q.tireur == nullptr) return std::nullopt;
+    payer();
     try {
         Simplexe moindre = s;
         Simplexe::Forme tirs;

@@ -14,6 +14,8 @@ constexpr struct {
     std::size_t largeur;
     Compte credit;
 } ESSAIS[] = {{1, 0}, {8, 0}, {16, 2}};
+constexpr std::size_t LARGEUR = 4;   // of the beam for a round
+constexpr std::size_t PASSAGES = 6;  // of a place of the token, from where a round is tried
 constexpr std::size_t COUPS = 4000;  // in one run
 constexpr std::size_t MEMOIRE = 60;  // firings, of what has just been gone
 constexpr std::size_t TRACES = 6;    // of these that are tried
@@ -42,24 +44,62 @@ Promenade::Promenade(const Net& net, const Jeton& jeton)
 
 std::optional<Course> Promenade::chercher(const std::vector<Compte>& comptes, std::uint32_t place, Compte but,
                                           std::uint64_t& travail) {
+    preparer(travail);
     place_ = place;
     but_ = but;
-    travail_ = &travail;
-    std::ranges::fill(besoin_, 0);
-    std::ranges::fill(effet_, 0);
-    std::ranges::fill(parTour_, 0);
     for (const auto& [largeur, credit] : ESSAIS) {
         credit_ = credit;
-        if (auto trouvee = balayer(comptes, largeur)) return trouvee;
+        if (auto trouvee = balayer({net_.initial, comptes, jeton_.depart(), 0, 0}, largeur)) return trouvee;
     }
     return std::nullopt;
 }
 
-std::optional<Course> Promenade::balayer(const std::vector<Compte>& comptes, std::size_t largeur) {
+void Promenade::preparer(std::uint64_t& travail) {
+    travail_ = &travail;
+    std::ranges::fill(besoin_, 0);
+    std::ranges::fill(effet_, 0);
+    std::ranges::fill(parTour_, 0);
+}
+
+/// Tries the markings around the start, nearest first, a few for each place of the token.
+std::optional<Course> Promenade::tourner(const std::vector<Compte>& comptes, std::uint64_t& travail) {
+    preparer(travail);
+    place_.reset();
+    credit_ = 0;
+    struct Etape {
+        std::vector<Compte> marquage;
+        std::uint32_t ici;
+        Bloc chemin;
+    };
+    std::vector<std::size_t> passages(net_.places.size(), 0);
+    std::vector<Etape> etapes{{net_.initial, jeton_.depart(), {{}, 1}}};
+    for (std::size_t i = 0; i < etapes.size() && *travail_ > 0; ++i) {
+        const Etape etape = etapes[i];
+        const bool concernee =
+            std::ranges::any_of(departs_[etape.ici], [&](std::uint32_t t) { return comptes[t] > 0; });
+        if (concernee)
+            if (auto tour = balayer({etape.marquage, comptes, etape.ici, 0, 0}, LARGEUR)) {
+                if (!etape.chemin.elans.empty()) tour->insert(tour->begin(), etape.chemin);
+                return tour;
+            }
+        for (const std::uint32_t t : departs_[etape.ici]) {
+            if (!tirable(t, etape.marquage) || passages[jeton_.vers(t)] >= PASSAGES) continue;
+            ++passages[jeton_.vers(t)];
+            Etape suivante{etape.marquage, jeton_.vers(t), etape.chemin};
+            for (const Poids& e : net_.transitions[t].effet)
+                suivante.marquage[e.place] = somme(suivante.marquage[e.place], e.compte);
+            suivante.chemin.elans.push_back({t, 1});
+            etapes.push_back(std::move(suivante));
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Course> Promenade::balayer(const Etat& depart, std::size_t largeur) {
     coups_.assign(1, {});
     vus_.clear();
     arrive_.reset();
-    std::vector<Etat> faisceau{{net_.initial, comptes, jeton_.depart(), 0, 0}};
+    std::vector<Etat> faisceau{depart};
     for (std::size_t tour = 0; tour < COUPS && !faisceau.empty() && *travail_ > 0; ++tour) {
         std::vector<Etat> suivants;
         for (const Etat& etat : faisceau) {
@@ -188,8 +228,8 @@ void Promenade::jouer(const Etat& etat, const Suite& suite, bool seule, std::vec
         if (!vus_.insert(empreinte(suivant.reste)).second) continue;
         suivant.avant = coups_.size();
         coups_.push_back({etat.avant, std::move(bloc)});
-        if (suivant.marquage[place_] >= but_) arrive_ = suivant.avant;
         suivant.manque = manque(suivant);
+        if (place_ ? suivant.marquage[*place_] >= but_ : suivant.manque == 0) arrive_ = suivant.avant;
         suivants.push_back(std::move(suivant));
     }
 }

@@ -31,6 +31,11 @@ public:
     std::optional<Course> chercher(const std::vector<Compte>& comptes, std::uint32_t place, Compte but,
                                    std::uint64_t& travail);
 
+    /// @return a run whose last part fires each transition t `comptes[t]` times, if one is found near the start; its
+    /// first block is what comes before
+    /// @param travail as for `chercher`
+    std::optional<Course> tourner(const std::vector<Compte>& comptes, std::uint64_t& travail);
+
 private:
     struct Etat {
         std::vector<Compte> marquage;
@@ -45,7 +50,8 @@ private:
     };
     using Suite = std::vector<std::uint32_t>;
 
-    std::optional<Course> balayer(const std::vector<Compte>& comptes, std::size_t largeur);
+    void preparer(std::uint64_t& travail);
+    std::optional<Course> balayer(const Etat& depart, std::size_t largeur);
     void avancer(const Etat& etat, std::vector<Etat>& suivants);
     void jouer(const Etat& etat, const Suite& suite, bool seule, std::vector<Etat>& suivants);
     Compte repetitions(const Etat& etat, const Suite& suite, Compte credit);
@@ -59,7 +65,7 @@ private:
     const Jeton& jeton_;
     std::vector<std::vector<std::uint32_t>> departs_;  // transitions, by place of the token
     std::uint64_t* travail_ = nullptr;
-    std::uint32_t place_ = 0;
+    std::optional<std::uint32_t> place_;  // where `but_` tokens are wanted; none when everything is to be fired
     Compte but_ = 0;
     Compte credit_ = 0;        // firings of each transition beyond the counts
     std::vector<Coup> coups_;  // from 1; 0 is the start

@@ -57,7 +57,7 @@ void Resolution::finir(const Options& options) {
             if (options.verdictSeul ? majorerEnsemble(tour) : majorer(tour)) return;
             if (options.verdictSeul && !bornee()) return;
         }
-        const std::uint64_t plus = std::max(options.essai, MINIMUM) << (2 * (tour + 1));
+        const std::uint64_t plus = std::max(options.essai, MINIMUM) << (tour + 3);
         if (couverture.explorer(plus, options.verdictSeul)) return;
     }
     couverture.explorer(SANS_LIMITE, options.verdictSeul);

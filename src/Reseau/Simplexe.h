@@ -27,6 +27,7 @@ struct Fraction {
     Large denominateur;
     bool entiere() const { return denominateur == 1; }
     Large plancher() const { return numerateur / denominateur - (numerateur % denominateur < 0 ? 1 : 0); }
+    Large plafond() const { return numerateur / denominateur + (numerateur % denominateur > 0 ? 1 : 0); }
 };
 
 class Simplexe {

@@ -138,6 +138,31 @@ TEST(Certificat, ProofsOfNetsWithBillionsOfTokensAreAccepted) {
     EXPECT_NE(essai::verifier(pompe, sansBulk, false), "");
 }
 
+/// A pump that needs 10^9 tokens and gives them back: they are gathered first, with a control token and without one.
+/// The second pump leaves 64 bits when it is gone through more than twice.
+TEST(Certificat, WhatAPumpNeedsIsGatheredFirst) {
+    const std::string gagner = "tr i q0 -> q1 a*1000000000\ntr a q1 a -> q4\ntr b q4 -> q1 b\npl q0 (1)\n";
+    for (const std::string& net :
+         {gagner + "tr c q1 b*1000000000 -> q2\ntr d q2 -> q1 b*1000000000 w\n",
+          gagner + "tr c q1 b*1000000000 -> q2 b*1000000000 w*4000000000000000000\ntr d q2 -> q1\n",
+          std::string("tr a x -> y\ntr b y*1000000000 -> z\ntr c z -> y*1000000000 w\npl x (1000000000)\n")})
+        for (const bool verdictSeul : {false, true}) {
+            const std::string r = rapport(net, {.verdictSeul = verdictSeul, .preuves = true, .essai = 10});
+            EXPECT_EQ(essai::verifier(net, r, verdictSeul), "") << net << r;
+            EXPECT_EQ(r.find("the net is not bounded"), 0U) << net << r;
+        }
+}
+
+/// A round takes two cycles of the control token that do not touch: the connection is found besides.
+TEST(Certificat, APumpOfSeveralCyclesIsConnected) {
+    const std::string net =
+        "tr i q0 -> q1 m*4000000\ntr a q1 m*4 -> q2 c*3\ntr b q2 -> q1\ntr d q2 -> q3\ntr e q3 m -> q4\n"
+        "tr f q4 -> q3 m*2\ntr g q3 -> q1\npl q0 (1)\n";
+    const std::string r = rapport(net, {.preuves = true, .essai = 0});
+    EXPECT_EQ(essai::verifier(net, r, false), "") << r;
+    EXPECT_NE(r.find("bound c w by"), std::string::npos) << r;
+}
+
 /// Each round takes one of m for one of c, but it takes four and gives three back: the last one needs four.
 TEST(Certificat, TheLastFiringOfATransitionNeedsWhatItTakes) {
     const std::string net = "tr i q0 -> q1 m*1000000000\ntr a q1 m*4 -> q2 c\ntr b q2 -> q1 m*3\npl q0 (1)\n";
