@@ -107,7 +107,7 @@ std::string nombre(const Mesure& m, std::uint64_t n) { return m.finie ? std::to_
 
 int main(int argc, char** argv) {
     const unsigned secondes = argc > 1 ? static_cast<unsigned>(std::atoi(argv[1])) : 10;
-    std::printf("%-17s %8s | %5s %5s | %9s | %8s %8s %8s | %9s %9s %8s %8s | %10s %8s %8s\n", "family", "n", "pl.",
+    std::printf("%-16s %10s | %5s %5s | %9s | %8s %8s %8s | %9s %9s %8s %8s | %10s %8s %8s\n", "family", "n", "pl.",
                 "tr.", "verdict", "answer", "s", "KiB", "set", "expanded", "s", "KiB", "yardstick", "s", "KiB");
     for (const familles::Famille& f : familles::toutes())
         for (const int n : f.parametres) {
@@ -117,8 +117,8 @@ int main(int argc, char** argv) {
             const Mesure e = mesurer(net, etalonner, secondes);
             const bool accord = (!a.finie || !c.finie || a.empreinte == c.empreinte) &&
                                 (!a.finie || !e.finie || a.empreinte == e.empreinte);
-            std::printf("%-17s %8d | %5zu %5zu | %9s | %8s %8s %8s | %9s %9s %8s %8s | %10s %8s %8s%s\n", f.nom.c_str(),
-                        n, net.places.size(), net.transitions.size(),
+            std::printf("%-16s %10d | %5zu %5zu | %9s | %8s %8s %8s | %9s %9s %8s %8s | %10s %8s %8s%s\n",
+                        f.nom.c_str(), n, net.places.size(), net.transitions.size(),
                         !a.finie   ? "-"
                         : a.bornee ? "bounded"
                                    : "unbounded",
