@@ -37,6 +37,27 @@ Simplexe programme(std::size_t transitions, const std::vector<Contrainte>& etats
     return s;
 }
 
+/// @return nothing when it leaves 64 bits
+std::optional<Large> multipleCommun(Large a, Large b) {
+    if (a % b == 0) return a;
+    if (b >= OMEGA) return std::nullopt;
+    const Large produit = a * (b / std::gcd(static_cast<Compte>(a), static_cast<Compte>(b)));
+    return produit < OMEGA ? std::optional(produit) : std::nullopt;
+}
+
+/// `fois` times `f`, which is made an integer by `commun`.
+std::optional<Compte> entiere(const Fraction& f, Large commun, Large fois) {
+    Large n = 0;
+    if (__builtin_mul_overflow(f.numerateur, fois * (commun / f.denominateur), &n) || n >= OMEGA) return std::nullopt;
+    return static_cast<Compte>(n);
+}
+
+/// Adds a * b. @return whether it fits
+bool accumuler(Large& somme, Large a, Large b) {
+    Large terme = 0;
+    return !__builtin_mul_overflow(a, b, &terme) && !__builtin_add_overflow(somme, terme, &somme);
+}
+
 /// Whether the solution contradicts the constraint; no when that cannot be worked out in 128 bits.
 bool negative(const Contrainte& c, const Simplexe& s) {
     Large total = c.constante;
@@ -283,7 +304,9 @@ void Majorants::pomper(const Simplexe& s, const Question& q) {
         const auto comptes = leLongDuRayon(s, fois);
         if (!comptes) continue;
         Large but = net_.initial[*pousse];
-        for (const auto& [t, effet] : etats_[*pousse].forme) but += effet * (*comptes)[t];
+        bool tient = true;
+        for (const auto& [t, effet] : etats_[*pousse].forme) tient = tient && accumuler(but, effet, (*comptes)[t]);
+        if (!tient) continue;
         courir(q, *comptes, *pousse, static_cast<Compte>(std::min<Large>(but, OMEGA - 1)));
         q.tireur->pomper();
         if (q.tireur->minorants()[*pousse] == OMEGA) return;
@@ -291,25 +314,6 @@ void Majorants::pomper(const Simplexe& s, const Question& q) {
     if (!promenade_) return;
     if (const auto tour = boucle(*pousse)) tourner(q, *tour);
 }
-
-namespace {
-
-/// @return nothing when it leaves 64 bits
-std::optional<Large> multipleCommun(Large a, Large b) {
-    if (a % b == 0) return a;
-    if (b >= OMEGA) return std::nullopt;
-    const Large produit = a * (b / std::gcd(static_cast<Compte>(a), static_cast<Compte>(b)));
-    return produit < OMEGA ? std::optional(produit) : std::nullopt;
-}
-
-/// `fois` times `f`, which is made an integer by `commun`.
-std::optional<Compte> entiere(const Fraction& f, Large commun, Large fois) {
-    Large n = 0;
-    if (__builtin_mul_overflow(f.numerateur, fois * (commun / f.denominateur), &n) || n >= OMEGA) return std::nullopt;
-    return static_cast<Compte>(n);
-}
-
-}  // namespace
 
 /// The firings of the solution, and those that lead along the ray as far as integers go, `fois` times.
 std::optional<std::vector<Compte>> Majorants::leLongDuRayon(const Simplexe& s, Large fois) const {
@@ -521,7 +525,7 @@ std::optional<Cas> Majorants::instant(const std::vector<Compte>& comptes, std::u
             Large constante = net_.initial[p] - Large{valeur(net_.transitions[t].pre, p)};
             Simplexe::Forme forme;
             for (const auto& [u, effet] : etats_[p].forme) {
-                if (!premier) constante += effet * (comptes[u] - (u == t ? 1 : 0));
+                if (!premier && !accumuler(constante, effet, comptes[u] - (u == t ? 1 : 0))) return std::nullopt;
                 if (u != t && comptes[u] > 0) forme.emplace_back(u, premier ? effet : -effet);
             }
             s.contraindre(constante, forme);
