@@ -13,9 +13,11 @@ namespace {
 
 constexpr std::uint64_t SANS_LIMITE = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t MINIMUM =
-    100;                         // markings expanded in the first exploration, as far as the next ones depend on it
-constexpr unsigned EFFORTS = 5;  // of the state equation
-constexpr unsigned TOURS = 12;   // of taking turns; no net is complete after so many markings that was not before
+    100;                             // markings expanded in the first exploration, as far as the next ones depend on it
+constexpr std::uint64_t PEU = 16;    // where one of so many waits, the exploration may be near its end,
+constexpr std::uint64_t SURSIS = 8;  // and goes on to so many times its first length before anything else is asked
+constexpr unsigned EFFORTS = 5;      // of the state equation
+constexpr unsigned TOURS = 12;       // of taking turns; no net is complete after so many markings that was not before
 constexpr std::uint64_t COMPOSANTES = 4'000'000;  // arcs followed in one turn
 constexpr std::uint64_t QUESTIONS = 8;  // that may use up all their effort before the exploration has its turn
 constexpr Large TOUT = static_cast<Large>(1) << 125;  // any finite bound is good enough
@@ -50,6 +52,9 @@ void Resolution::essayer(const Options& options) {
 void Resolution::finir(const Options& options) {
     if (fini_) return;
     if (!couverture.nonBornee() && conservatif(net_)) couverture.declarerIncomparables();
+    const std::uint64_t premier = std::max(options.essai, MINIMUM);
+    const bool presqueFinie = couverture.enAttente() * PEU <= couverture.explores();
+    if (presqueFinie && couverture.explorer(premier * SURSIS, options.verdictSeul)) return;
     if (Majorants::possible(net_)) majorants.emplace(net_);
     for (unsigned tour = 0; tour < TOURS; ++tour) {
         if (!options.verdictSeul && majorerParComposantes(options.preuves)) return;
@@ -57,8 +62,7 @@ void Resolution::finir(const Options& options) {
             if (options.verdictSeul ? majorerEnsemble(tour) : majorer(tour)) return;
             if (options.verdictSeul && !bornee()) return;
         }
-        const std::uint64_t plus = std::max(options.essai, MINIMUM) << (tour + 3);
-        if (couverture.explorer(plus, options.verdictSeul)) return;
+        if (couverture.explorer(premier << (tour + 3), options.verdictSeul)) return;
     }
     couverture.explorer(SANS_LIMITE, options.verdictSeul);
 }
