@@ -15,7 +15,6 @@ constexpr std::uint64_t ESSAIS = 8;
 constexpr std::size_t BLOCS = 4000;                     // in one run
 constexpr std::size_t MEMOIRE = 600;                    // the longest sequence that is recognised as repeatable
 constexpr std::size_t COURTE = 32;                      // the longest that is repeated at its first sight
-constexpr Large PRECISION = 1 << 24;                    // of the share of firings done
 constexpr std::size_t DETOURS = 400;                    // markings looked at for one detour
 constexpr std::uint64_t TRAVAIL_PAR_ESSAI = 2'000'000;  // transitions looked at
 
