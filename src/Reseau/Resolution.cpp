@@ -17,7 +17,9 @@ constexpr std::uint64_t MINIMUM =
 constexpr std::uint64_t PEU = 16;    // where one of so many waits, the exploration may be near its end,
 constexpr std::uint64_t SURSIS = 8;  // and goes on to so many times its first length before anything else is asked
 constexpr unsigned EFFORTS = 5;      // of the state equation
-constexpr unsigned TOURS = 12;       // of taking turns; no net is complete after so many markings that was not before
+constexpr unsigned TOURS = 8;        // of taking turns; no net is complete after so many markings that was not before
+constexpr unsigned CROISSANCE = 3;   // powers of two by which a turn of the exploration is longer than the one before:
+                                     // it may then cost about as much as the state equation's next one
 constexpr std::uint64_t COMPOSANTES = 4'000'000;  // arcs followed in one turn
 constexpr std::uint64_t QUESTIONS = 8;  // that may use up all their effort before the exploration has its turn
 constexpr Large TOUT = static_cast<Large>(1) << 125;  // any finite bound is good enough
@@ -62,7 +64,7 @@ void Resolution::finir(const Options& options) {
             if (options.verdictSeul ? majorerEnsemble(tour) : majorer(tour)) return;
             if (options.verdictSeul && !bornee()) return;
         }
-        if (couverture.explorer(premier << (tour + 3), options.verdictSeul)) return;
+        if (couverture.explorer(premier << (CROISSANCE * (tour + 1)), options.verdictSeul)) return;
     }
     couverture.explorer(SANS_LIMITE, options.verdictSeul);
 }
