@@ -9,20 +9,18 @@
 //   ratio        of the peak, less that of a net of seven markings (printed first), to `packed`
 //   1, 2         seconds by the wall clock with so many threads, the best of all runs; and their ratio
 #include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <exception>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "Reseau/Conservation.h"
 #include "Reseau/Couverture.h"
+#include "a_part.h"
 #include "reseau_familles.h"
 
 namespace {
@@ -67,25 +65,8 @@ Mesure explorer(const Reseau::Net& net, unsigned fils) {
     return m;
 }
 
-/// In a process of its own.
 Mesure mesurer(const Reseau::Net& net, unsigned fils) {
-    int tube[2];
-    Mesure m;
-    if (pipe(tube) != 0) return m;
-    const pid_t enfant = fork();
-    if (enfant == 0) {
-        try {
-            m = explorer(net, fils);
-        } catch (const std::exception&) {
-            _exit(1);
-        }
-        _exit(write(tube[1], &m, sizeof m) == sizeof m ? 0 : 1);
-    }
-    close(tube[1]);
-    if (read(tube[0], &m, sizeof m) != sizeof m) m = {};
-    close(tube[0]);
-    waitpid(enfant, nullptr, 0);
-    return m;
+    return aPart([&] { return explorer(net, fils); }).value_or(Mesure{});
 }
 
 /// Twenty places in a ring, through which ten tokens wander: 29 over 10 markings.

@@ -2,52 +2,29 @@
 // prints, for each kind of rules and number of nodes, how many of MODELS (10) fixed models are answered within SECONDS
 // (3) of processor time, the median and the largest of these times. With a third argument, a folder, the models that
 // are not answered are written there.
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <exception>
 #include <fstream>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "Reseau/Reseau.h"
+#include "a_part.h"
 #include "reseau_familles.h"
 
 namespace {
 
-/// Analyses in a process of its own.
 /// @return the seconds of processor time, nothing when it was not answered
 std::optional<double> mesurer(const Reseau::Net& net, unsigned secondes) {
-    int tube[2];
-    if (pipe(tube) != 0) return std::nullopt;
-    const pid_t enfant = fork();
-    if (enfant == 0) {
-        rlimit temps{secondes, secondes};
-        setrlimit(RLIMIT_CPU, &temps);
-        rlimit memoire{};
-        memoire.rlim_cur = memoire.rlim_max = rlim_t{4} << 30;
-        setrlimit(RLIMIT_AS, &memoire);
+    return aPart([&] {
+        limiter(secondes, secondes);
         const std::clock_t debut = std::clock();
-        try {
-            Reseau::analyser(net, {});
-        } catch (const std::exception&) {
-            _exit(1);
-        }
-        const double duree = static_cast<double>(std::clock() - debut) / CLOCKS_PER_SEC;
-        _exit(write(tube[1], &duree, sizeof duree) == sizeof duree ? 0 : 1);
-    }
-    close(tube[1]);
-    double duree = 0;
-    const bool repondu = read(tube[0], &duree, sizeof duree) == sizeof duree;
-    close(tube[0]);
-    waitpid(enfant, nullptr, 0);
-    return repondu ? std::optional(duree) : std::nullopt;
+        Reseau::analyser(net, {});
+        return static_cast<double>(std::clock() - debut) / CLOCKS_PER_SEC;
+    });
 }
 
 void garder(const std::string& fichier, const Reseau::Net& net) {

@@ -6,27 +6,22 @@
 //   answer, check   seconds of processor time
 //
 // The exit status is 1 when a proof has been rejected.
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <exception>
 #include <sstream>
 #include <string>
 
 #include "Reseau/Ecriture.h"
 #include "Reseau/Reseau.h"
 #include "Verificateur.h"
+#include "a_part.h"
 #include "reseau_familles.h"
 
 namespace {
 
 constexpr int MODELES = 10;  // of each series
-constexpr rlim_t MEMOIRE = rlim_t{4} << 30;
 
 struct Mesure {
     bool repondue = false;
@@ -39,16 +34,9 @@ struct Mesure {
 
 double secondesDepuis(std::clock_t debut) { return static_cast<double>(std::clock() - debut) / CLOCKS_PER_SEC; }
 
-void limiter(unsigned secondes) {
-    rlimit temps{secondes, RLIM_INFINITY};
-    setrlimit(RLIMIT_CPU, &temps);
-    rlimit memoire{MEMOIRE, MEMOIRE};
-    setrlimit(RLIMIT_AS, &memoire);
-}
-
 Mesure prouver(const Reseau::Net& net, unsigned secondes) {
     Mesure m;
-    limiter(secondes);
+    limiter(secondes, RLIM_INFINITY);
     std::clock_t debut = std::clock();
     std::ostringstream rapport;
     const Reseau::Rapport r = Reseau::analyser(net, {.preuves = true, .fils = 1});
@@ -65,23 +53,7 @@ Mesure prouver(const Reseau::Net& net, unsigned secondes) {
 }
 
 Mesure mesurer(const Reseau::Net& net, unsigned secondes) {
-    int tube[2];
-    Mesure m;
-    if (pipe(tube) != 0) return m;
-    const pid_t enfant = fork();
-    if (enfant == 0) {
-        try {
-            m = prouver(net, secondes);
-        } catch (const std::exception&) {
-            _exit(1);
-        }
-        _exit(write(tube[1], &m, sizeof m) == sizeof m ? 0 : 1);
-    }
-    close(tube[1]);
-    if (read(tube[0], &m, sizeof m) != sizeof m) m = {};
-    close(tube[0]);
-    waitpid(enfant, nullptr, 0);
-    return m;
+    return aPart([&] { return prouver(net, secondes); }).value_or(Mesure{});
 }
 
 class Compte {

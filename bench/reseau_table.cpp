@@ -7,19 +7,17 @@
 //   set       the whole minimal coverability set of the whole net, whether or not the answer needs it
 //   yardstick the plain Karp-Miller tree
 #include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <exception>
 #include <limits>
 #include <string>
 
 #include "Reseau/Conservation.h"
 #include "Reseau/Couverture.h"
 #include "Reseau/Reseau.h"
+#include "a_part.h"
 #include "reseau_familles.h"
 #include "reseau_karp_miller.h"
 
@@ -66,33 +64,18 @@ long sommet() {
 }
 
 Mesure mesurer(const Reseau::Net& net, void (*quoi)(const Reseau::Net&, Mesure&), unsigned secondes) {
-    int tube[2];
-    Mesure m;
-    if (pipe(tube) != 0) return m;
-    const pid_t enfant = fork();
-    if (enfant == 0) {
-        rlimit temps{secondes, secondes};
-        setrlimit(RLIMIT_CPU, &temps);
-        rlimit memoire{};
-        memoire.rlim_cur = memoire.rlim_max = rlim_t{4} << 30;
-        setrlimit(RLIMIT_AS, &memoire);
+    const auto mesure = [&] {
+        Mesure m;
+        limiter(secondes, secondes);
         const long avant = sommet();
         const std::clock_t debut = std::clock();
-        try {
-            quoi(net, m);
-        } catch (const std::exception&) {
-            _exit(1);
-        }
+        quoi(net, m);
         m.secondes = static_cast<double>(std::clock() - debut) / CLOCKS_PER_SEC;
         m.kibioctets = sommet() - avant;
         m.finie = true;
-        _exit(write(tube[1], &m, sizeof m) == sizeof m ? 0 : 1);
-    }
-    close(tube[1]);
-    if (read(tube[0], &m, sizeof m) != sizeof m) m = {};
-    close(tube[0]);
-    waitpid(enfant, nullptr, 0);
-    return m;
+        return m;
+    };
+    return aPart(mesure).value_or(Mesure{});
 }
 
 std::string duree(const Mesure& m) {
