@@ -26,11 +26,11 @@
 // ancestors and the order; A. Finkel, S. Haddad, I. Khmelnitsky (see Acceleration.h) for the accelerations.
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -115,8 +115,9 @@ private:
         std::uint32_t omegas;
         std::uint64_t jetons;
         std::uint32_t marquees;  // places
-        // clang-tidy 14 reports the 0 of the comparison that the compiler makes up.
-        auto operator<=>(const Rang&) const = default;  // NOLINT(modernize-use-nullptr)
+        bool operator<(const Rang& autre) const {
+            return std::tie(omegas, jetons, marquees) < std::tie(autre.omegas, autre.jetons, autre.marquees);
+        }
     };
 
     void commencer();
