@@ -32,6 +32,7 @@ private:
     void course(const Course& run);
     void accelerations(const std::vector<Pas>& run);
     void atteinte(std::uint32_t p);
+    const char* nomDeLEnsemble() const;
     void ensemble();
     void nonBornee();
     std::size_t pompe(std::size_t numero);
@@ -93,12 +94,18 @@ void Redacteur::accelerations(const std::vector<Pas>& run) {
     }
 }
 
+const char* Redacteur::nomDeLEnsemble() const { return resolution_.couverture.complete() ? "set" : "relaxed"; }
+
 void Redacteur::ensemble() {
-    resolution_.couverture.pourChaqueMaximal([this](const Creux& m) {
-        out_ << "set";
+    const auto ecrire = [this](const Creux& m) {
+        out_ << nomDeLEnsemble();
         marquage(m);
         out_ << '\n';
-    });
+    };
+    if (resolution_.couverture.complete())
+        resolution_.couverture.pourChaqueMaximal(ecrire);
+    else
+        resolution_.abondance->pourChaque(ecrire);
 }
 
 void Redacteur::nonBornee() {
@@ -215,8 +222,8 @@ void Redacteur::rediger(bool verdictSeul) {
     if (!resolution_.bornee()) nonBornee();
     if (verdictSeul && !resolution_.bornee()) return;
     const bool complete = resolution_.couverture.complete();
-    if (complete) ensemble();
     if (verdictSeul) {
+        if (complete) ensemble();
         out_ << "total\n";
         if (complete)
             out_ << "most by set\n";
@@ -224,11 +231,15 @@ void Redacteur::rediger(bool verdictSeul) {
             arbre(*resolution_.ensemble);
         return;
     }
-    for (std::uint32_t p = 0; p < partie_.places.size(); ++p) {
+    const auto places = static_cast<std::uint32_t>(partie_.places.size());
+    bool parEnsemble = false;
+    for (std::uint32_t p = 0; p < places; ++p) parEnsemble = parEnsemble || resolution_.parEnsemble(p);
+    if (parEnsemble) ensemble();
+    for (std::uint32_t p = 0; p < places; ++p) {
         atteinte(p);
         if (resolution_.borne(p) == OMEGA) continue;
-        if (complete)
-            out_ << "most by set\n";
+        if (resolution_.parEnsemble(p))
+            out_ << "most by " << nomDeLEnsemble() << '\n';
         else
             arbre(*resolution_.majorations[p]);
     }

@@ -16,13 +16,15 @@
 //         repeating RUN from any marking that holds the needs raises the places beyond all bounds
 //     set PLACE*COUNT...
 //         one marking of the part's coverability set; together they cover M0 and each of their successors
+//     relaxed PLACE*COUNT...
+//         the same of a set that may hold more than the net can reach, since what there is much of is "w" in it
 //     unbounded stem RUN cycle RUN
 //         the cycle can be fired after the stem, takes nothing and adds something
 //     bound PLACE COUNT by RUN
 //         the run ends with that many tokens in the place, "w" for unbounded
 //     total
 //         what follows bounds the sum of the part's places
-//     most by set
+//     most by set, most by relaxed
 //         no marking of the set holds more
 //     most COUNT by cases
 //         no solution of the state equation holds more; the tree of cases follows in prefix notation:

@@ -10,18 +10,18 @@ namespace Reseau {
 namespace {
 
 /// Every field has room for one token from the start.
-std::vector<Compte> premiersPlafonds(const Net& net) {
-    std::vector<Compte> plafonds = net.initial;
-    for (Compte& c : plafonds) c = std::max<Compte>(c, 1);
-    return plafonds;
+std::vector<Compte> premiersPlafonds(std::vector<Compte> initial) {
+    for (Compte& c : initial) c = c == OMEGA ? 1 : std::max<Compte>(c, 1);
+    return initial;
 }
 
 }  // namespace
 
-Couverture::Couverture(const Net& net, unsigned fils)
+Couverture::Couverture(const Net& net, std::vector<Compte> initial, unsigned fils)
     : net_(net),
+      initial_(std::move(initial)),
       fils_(fils),
-      plafonds_(premiersPlafonds(net)),
+      plafonds_(premiersPlafonds(initial_)),
       champs_(std::make_unique<const Champs>(plafonds_, true)),
       franchissement_(net, *champs_),
       antichaine_(*champs_),
@@ -46,7 +46,7 @@ bool Couverture::explorer(std::uint64_t limite, bool arretOmega) {
 
 void Couverture::commencer() {
     commencee_ = true;
-    for (std::uint32_t p = 0; p < net_.places.size(); ++p) courant_.poser(p, net_.initial[p]);
+    for (std::uint32_t p = 0; p < net_.places.size(); ++p) courant_.poser(p, initial_[p]);
     garder(AUCUN, AUCUN, {});
 }
 

@@ -51,7 +51,9 @@ class Couverture {
 public:
     /// @param net must outlive the construction
     /// @param fils threads that may take part, 0 for as many as there are cores; they change nothing but the time
-    explicit Couverture(const Net& net, unsigned fils = 0);
+    explicit Couverture(const Net& net, unsigned fils = 0) : Couverture(net, net.initial, fils) {}
+    /// From another marking than the net's, which may hold OMEGA.
+    Couverture(const Net& net, std::vector<Compte> initial, unsigned fils);
     Couverture(const Couverture&) = delete;
     Couverture& operator=(const Couverture&) = delete;
 
@@ -73,6 +75,8 @@ public:
     /// @throws Debordement, std::bad_alloc
     bool explorer(std::uint64_t limite, bool arretOmega);
 
+    /// The marking that it starts from.
+    const std::vector<Compte>& initial() const { return initial_; }
     /// Whether the coverability set is complete, so that the maxima are the bounds.
     bool complete() const { return commencee_ && (enumeration_ ? enumeration_->finie() : frontiere_.empty()); }
     /// Whether some place has been found to be unbounded.
@@ -142,6 +146,7 @@ private:
     void parcourir(F&& f) const;
 
     const Net& net_;
+    const std::vector<Compte> initial_;
     unsigned fils_;
     std::vector<Compte> plafonds_;  // the largest finite counts that had to fit, by place
     Elargissement elargissement_;

@@ -7,6 +7,7 @@
 #include <numeric>
 #include <utility>
 
+#include "Reseau/Depart.h"
 #include "Reseau/Tir.h"
 
 namespace Reseau {
@@ -18,6 +19,7 @@ constexpr std::uint64_t TRAVAIL = 4'000'000;            // entries of the dictio
 constexpr std::uint64_t PART = 8;                       // of it that one search of a run may take
 constexpr std::size_t NOEUDS = 64;                      // of one search
 constexpr std::uint64_t CASES_EN_MEMOIRE = 10'000'000;  // of the dictionaries of all open cases
+constexpr std::size_t DEPARTS = 16;                     // that are distinguished
 constexpr std::size_t COUPES = 40;                      // on the way to one case
 constexpr std::size_t LIAISONS = 20;                    // rounds of connecting what a ray fires
 constexpr std::size_t PLONGEE = 40;                     // programs solved for one integer solution
@@ -86,6 +88,8 @@ struct Majorants::Noeud {
     std::uint32_t parent = 0;
     std::vector<Contrainte> contraintes;  // that it adds to its parent's
     std::size_t coupes = 0;               // on the way to it
+    std::size_t departs = 0;              // ways to begin that have been tried before
+    bool commencee = false;               // whether it is known how it begins
     bool finie = false;                   // whether it is known where the control token ends
 };
 
@@ -106,6 +110,7 @@ Majorants::Majorants(const Net& net)
       jeton_(Jeton::trouver(net)),
       etats_(etats(net)),
       initial_(programme(net.transitions.size(), etats_, &travail_)) {
+    if (auto premiers = departs(net); premiers.size() > 1 && premiers.size() <= DEPARTS) departs_ = std::move(premiers);
     if (!jeton_) return;
     for (std::uint32_t t = 0; t < net.transitions.size(); ++t)
         if (jeton_->de(t) == Jeton::NULLE_PART) return;
@@ -192,7 +197,8 @@ bool Majorants::traiter(Question& q, std::uint32_t numero) {
     const std::shared_ptr<const Simplexe> programme = q.noeuds[numero].programme;
     const Simplexe& s = *programme;
     const bool infinie = q.noeuds[numero].borne == INFINI;
-    std::optional<Cas> cas = contradiction(s, infinie);
+    std::optional<Cas> cas = depart(q.noeuds[numero]);
+    if (!cas) cas = contradiction(s, infinie);
     if (!cas && infinie) {
         pomper(s, q);
         if (q.tireur != nullptr && q.tireur->pompes().empty()) cas = tropTot(s, true);
@@ -210,6 +216,10 @@ bool Majorants::traiter(Question& q, std::uint32_t numero) {
     }
     // In the second case the token ends where the solution says.
     if (cas->genre == Cas::NIVEAU) q.noeuds.back().finie = true;
+    if (!q.noeuds[numero].commencee && q.noeuds[numero].departs < departs_.size()) {
+        ++q.noeuds[q.noeuds[numero].premier].departs;
+        q.noeuds.back().commencee = true;
+    }
     q.noeuds[numero].distinction = std::move(cas);
     return true;
 }
@@ -248,6 +258,8 @@ void Majorants::ouvrir(Question& q, std::uint32_t parent, std::vector<Contrainte
     noeud.programme = de.programme;
     noeud.finie = de.finie;
     noeud.coupes = de.coupes;
+    noeud.departs = de.departs;
+    noeud.commencee = de.commencee;
     noeud.parent = parent;
     noeud.contraintes = std::move(contraintes);
     q.ouverts.emplace(noeud.borne, numero);
@@ -390,6 +402,15 @@ void Majorants::tourner(const Question& q, const std::vector<Compte>& tour) {
         // What a move fires does not fit; it says nothing about the others.
     }
     travail_ -= accorde - reste;
+}
+
+/// The next way to begin: this one, or another one.
+std::optional<Cas> Majorants::depart(const Noeud& noeud) const {
+    if (noeud.commencee || noeud.departs == departs_.size()) return std::nullopt;
+    Cas cas;
+    cas.genre = Cas::SEUIL;
+    cas.transition = departs_[noeud.departs];
+    return cas;
 }
 
 /// What the solution fires that no run does: out of a place that is never marked, or too early.

@@ -73,6 +73,7 @@ private:
     std::optional<std::vector<Compte>> boucle(std::uint32_t place) const;
     std::optional<std::vector<Compte>> entiers(const Simplexe& s) const;
     void tourner(const Question& q, const std::vector<Compte>& tour);
+    std::optional<Cas> depart(const Noeud& noeud) const;
     std::optional<Cas> contradiction(const Simplexe& s, bool infinie) const;
     std::vector<std::uint32_t> jamaisEntre(const std::vector<bool>& tirees) const;
     std::optional<Cas> jamaisQuitte(const Simplexe& s, const std::vector<bool>& tirees) const;
@@ -91,6 +92,7 @@ private:
 
     const Net& net_;
     const std::optional<Jeton> jeton_;
+    std::vector<std::uint32_t> departs_;  // the ways to begin, where there are several
     std::optional<Promenade> promenade_;  // when every transition moves the token
     mutable std::uint64_t travail_ = 0;
     const std::vector<Contrainte> etats_;  // the state equation of each place

@@ -85,7 +85,7 @@ Rapport analyser(const Net& net, const Options& options) {
         Resolution& resolution = *resolutions[i];
         if (!options.verdictSeul || rapport.bornee) resolution.finir(options);
         rapport.bornee = rapport.bornee && resolution.bornee();
-        rapport.explores += resolution.couverture.explores();
+        rapport.explores += resolution.explores();
         // Of a net that is not bounded, the verdict rests on the part that is not.
         if (options.preuves && !(options.verdictSeul && resolution.bornee() && !rapport.bornee))
             certifier(certificat, net, parties[i], resolution, options.verdictSeul);

@@ -58,8 +58,12 @@ void Resolution::finir(const Options& options) {
     const bool presqueFinie = couverture.enAttente() * PEU <= couverture.explores();
     if (presqueFinie && couverture.explorer(premier * SURSIS, options.verdictSeul)) return;
     if (Majorants::possible(net_)) majorants.emplace(net_);
+    if (!options.verdictSeul) abondance.emplace(net_);
     for (unsigned tour = 0; tour < TOURS; ++tour) {
-        if (!options.verdictSeul && majorerParComposantes(options.preuves)) return;
+        if (!options.verdictSeul) {
+            if (majorerParComposantes(options.preuves)) return;
+            if (majorerParAbondance(premier << tour)) return;
+        }
         if (majorants && tour < EFFORTS) {
             if (options.verdictSeul ? majorerEnsemble(tour) : majorer(tour)) return;
             if (options.verdictSeul && !bornee()) return;
@@ -81,7 +85,8 @@ bool Resolution::majorerEnsemble(unsigned effort) {
 
 /// Whether the place's bound is known.
 bool Resolution::reglee(std::uint32_t place) const {
-    return borne(place) == OMEGA || (majorations[place] && majorations[place]->borne == borne(place));
+    return borne(place) == OMEGA || (majorations[place] && majorations[place]->borne == borne(place)) ||
+           (abondance && abondance->majorants()[place] == borne(place));
 }
 
 /// Tells the exploration what is still to be reached.
@@ -89,9 +94,10 @@ bool Resolution::reglee(std::uint32_t place) const {
 bool Resolution::viser() {
     std::vector<Compte> buts(net_.places.size(), OMEGA);
     for (std::uint32_t p = 0; p < net_.places.size(); ++p) {
+        if (abondance) buts[p] = abondance->majorants()[p];
         if (reglee(p))
             buts[p] = 0;
-        else if (majorations[p] && majorations[p]->borne < OMEGA)
+        else if (majorations[p] && majorations[p]->borne < buts[p])
             buts[p] = static_cast<Compte>(majorations[p]->borne);
     }
     couverture.viser(std::move(buts));
@@ -109,6 +115,25 @@ bool Resolution::majorerParComposantes(bool preuves) {
         for (std::uint32_t p = 0; p < vus.size(); ++p)
             if ((vus[p] == 0) == vides && !reglee(p))
                 if (const auto places = composantes_.chercher(p, vus, travail)) regler(*places, vus[p], preuves);
+    return viser();
+}
+
+/// Settles places that stay small while others are taken for unbounded.
+/// @return as `majorer`
+bool Resolution::majorerParAbondance(std::uint64_t limite) {
+    abondance->approfondir(limite);
+    for (std::uint32_t p = 0; p < net_.places.size(); ++p) {
+        if (reglee(p) || abondance->majorants()[p] == OMEGA) continue;
+        const auto course = abondance->course(p);
+        if (!course) continue;
+        try {
+            tireur.adopter(*course);
+        } catch (const Depassement& e) {
+            tireur.depasser(e);
+        } catch (const Debordement&) {
+            // What this run fires does not fit; it says nothing about the others.
+        }
+    }
     return viser();
 }
 
@@ -164,6 +189,12 @@ bool Resolution::majorer(unsigned effort) {
         if (majorations[p] && tireur.depasse(p)) throw Debordement();
     }
     return viser();
+}
+
+bool Resolution::parEnsemble(std::uint32_t place) const {
+    if (couverture.complete()) return true;
+    return borne(place) != OMEGA && abondance && abondance->majorants()[place] == borne(place) &&
+           !(majorations[place] && majorations[place]->borne == borne(place));
 }
 
 Compte Resolution::borne(std::uint32_t place) const {

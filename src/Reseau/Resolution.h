@@ -2,12 +2,11 @@
 //
 //   1. `essayer`: a short exploration. Small nets are complete here, and most unbounded ones show it. Then `finir`:
 //   2. Sets of places whose tokens never become more: where one holds no more than a place has been seen with, the
-//   place
-//      is settled.
-//   3. The state equation: an upper bound for each place that is left, with a proof, and runs fired in bulk that show
-//   how
-//      much of it can be reached. Where the two meet the place is settled, whatever the number of its tokens.
-//   4. A longer exploration, and 2 and 3 again with more patience for what is left; 3 a few times only.
+//      place is settled.
+//   3. Coverability sets in which large counts are unbounded: they settle the places that stay small.
+//   4. The state equation: an upper bound for each place that is left, with a proof, and runs fired in bulk that show
+//      how much of it can be reached. Where the two meet the place is settled, whatever the number of its tokens.
+//   5. A longer exploration, and 2 to 4 again with more patience for what is left; 4 a few times only.
 //
 // The exploration ends when every place that is left has reached its upper bound, or it is complete.
 #pragma once
@@ -16,6 +15,7 @@
 #include <optional>
 #include <vector>
 
+#include "Reseau/Abondance.h"
 #include "Reseau/Composante.h"
 #include "Reseau/Couverture.h"
 #include "Reseau/Majorant.h"
@@ -43,6 +43,8 @@ public:
     Compte borne(std::uint32_t place) const;
     /// Whether a run of `tireur` reaches the bound, rather than a marking of `couverture`.
     bool parCourse(std::uint32_t place) const;
+    /// Markings expanded.
+    std::uint64_t explores() const { return couverture.explores() + (abondance ? abondance->explores() : 0); }
     /// A marking that reaches the bound.
     Creux temoin(std::uint32_t place) const;
 
@@ -53,6 +55,10 @@ public:
     /// The upper bounds found without exploration, by place; each with its proof when proofs are asked for. What has
     /// none is bounded by the complete coverability set.
     std::vector<std::optional<Majoration>> majorations;
+    /// What is found when large counts are taken for unbounded, once it has been asked.
+    std::optional<Abondance> abondance;
+    /// Whether a coverability set bounds the place: the complete one, or that of `abondance`.
+    bool parEnsemble(std::uint32_t place) const;
     /// When only the verdict was asked: the bound of all places together.
     std::optional<Majoration> ensemble;
 
@@ -61,6 +67,7 @@ private:
     bool viser();
     bool majorerParComposantes(bool preuves);
     void regler(const std::vector<std::uint32_t>& composante, Compte jetons, bool preuves);
+    bool majorerParAbondance(std::uint64_t limite);
     bool majorer(unsigned effort);
     void majorerJeton(unsigned effort, std::uint64_t& depense);
     bool majorerEnsemble(unsigned effort);

@@ -193,7 +193,7 @@ TEST(Certificat, TheCheckerAcceptsWhatIsTrueAndRejectsEveryFalsifiedLine) {
     }
     EXPECT_NE(essai::verifier(NET, fausse("cycle x", "cycle", parEnsemble), false), "");
     EXPECT_NE(essai::verifier(NET, fausse("cycle (x*4)*1", "cycle", parEquation), false), "");
-    EXPECT_NE(essai::verifier(NET, fausse("close 1 1 ", "close 1 0 ", parEquation), false), "");
+    EXPECT_NE(essai::verifier(NET, fausse("close 1 1\n", "close 1 0\n", parEquation), false), "");
     EXPECT_NE(essai::verifier(NET, fausse("round 2 q0*1 ma*1", "round 4 q0*1 ma*1", parEquation), false), "");
     EXPECT_NE(essai::verifier(NET, fausse("round 2 q0*1 ma*1", "round 2 q0*1 ma*3", parEquation), false), "");
     EXPECT_NE(essai::verifier(NET, fausse("set q1*1 ma*21", "set q1*1 ma*20", parEnsemble), false), "");

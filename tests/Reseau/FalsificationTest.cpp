@@ -389,6 +389,19 @@ std::optional<Lignes> ensembleIncomplet(const Epreuve& e, Hasard& h) {
     return fausses;
 }
 
+/// A set that is closed without a bound's last token would show a smaller bound.
+std::optional<Lignes> relacheMoindre(const Epreuve& e, Hasard& h) {
+    std::vector<std::size_t> numeros = lignesDe(e.lignes, "most");
+    std::erase_if(numeros, [&](std::size_t i) { return e.lignes[i].back() != "relaxed" || e.lignes[i - 1][2] == "0"; });
+    if (numeros.empty()) return std::nullopt;
+    Lignes fausses = e.lignes;
+    const Mots& borne = fausses[unDe(numeros, h) - 1];
+    const std::string avant = borne[1] + "*" + borne[2];
+    const std::string apres = borne[1] + "*" + std::to_string(std::stoll(borne[2]) - 1);
+    for (const std::size_t i : lignesDe(fausses, "relaxed")) std::ranges::replace(fausses[i], avant, apres);
+    return fausses;
+}
+
 /// A transition that a run fires is called dead.
 std::optional<Lignes> vivanteEnterree(const Epreuve& e, Hasard& h) {
     std::set<std::string> vivantes;
@@ -552,6 +565,13 @@ const std::vector<std::pair<std::string, Faussaire>> FAUSSAIRES{
     {"a departure is missing", [](auto& e, auto& h) { return sansLigne(e, "departure", h); }},
     {"a member of the set is too small", ensembleMoindre},
     {"a member of the set is missing", ensembleIncomplet},
+    {"the relaxed set holds too little", relacheMoindre},
+    {"the relaxed set is missing",
+     [](auto& e, auto&) {
+         Lignes fausses = e.lignes;
+         const auto parties = std::erase_if(fausses, [](const Mots& l) { return l[0] == "relaxed"; });
+         return parties == 0 ? std::nullopt : std::optional(fausses);
+     }},
     {"a transition is buried alive", vivanteEnterree},
     {"a run ends elsewhere", courseFausse},
     {"a run does without its accelerations", sansAcceleration},

@@ -560,7 +560,7 @@ Entier Verification::cas(const Vecteur& visee) {
 
 void Verification::verifierMajorant(const Mots& m, const Vecteur& visee, std::optional<Entier> borne) {
     exiger(m[0] == "most", "\"most\" expected, not ", m[0]);
-    if (m.back() == "set") {
+    if (m.back() == "set" || m.back() == "relaxed") {
         exiger(!ensemble_.empty(), "there is no set");
         for (const auto& [p, n] : visee)
             exiger(lire(maxima_, p) <= (borne ? *borne : W - 1), "the set holds more of ", p);
@@ -603,7 +603,7 @@ void Verification::verifierPartie() {
     if (commence("unbounded")) verifierSansBorne(prochaine());
     const bool sansBorne = unePartieSansBorne_;
     unePartieSansBorne_ = unePartieSansBorne_ || sansBorneAvant;
-    while (commence("set")) {
+    while (commence("set") || commence("relaxed")) {
         Vecteur v;
         const Mots e = prochaine();
         for (std::size_t i = 1; i < e.size(); ++i) v.insert(poids(e[i]));
