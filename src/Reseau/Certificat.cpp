@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace Reseau {
@@ -247,12 +248,19 @@ void Redacteur::rediger(bool verdictSeul) {
 
 }  // namespace
 
-void certifierMortes(std::ostream& out, const Net& net) {
-    const std::vector<bool> mortes = transitionsMortes(net);
-    out << "dead";
-    for (std::size_t t = 0; t < mortes.size(); ++t)
-        if (mortes[t]) out << ' ' << net.transitions[t].nom;
-    out << '\n';
+void certifier(std::ostream& out, const Net& net, const Reduction& reduction) {
+    for (const Reduction::Etape& etape : reduction.etapes()) {
+        if (const auto* mortes = std::get_if<Mortes>(&etape)) {
+            out << "dead";
+            for (const std::uint32_t t : mortes->transitions) out << ' ' << net.transitions[t].nom;
+        } else if (const auto* dominee = std::get_if<Dominee>(&etape)) {
+            out << "dominated " << net.transitions[dominee->transition].nom;
+            if (dominee->par) out << ' ' << net.transitions[*dominee->par].nom;
+        } else if (const auto* fusion = std::get_if<Fusion>(&etape)) {
+            out << "merge " << net.places[fusion->place] << ' ' << net.places[fusion->temoin];
+        }
+        out << '\n';
+    }
 }
 
 void certifier(std::ostream& out, const Net& net, const Partie& partie, const Resolution& resolution,

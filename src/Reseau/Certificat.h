@@ -1,15 +1,24 @@
 // Says why an answer is right, in a form that a program which knows nothing of this one can check with sums of
 // integers.
 //
-// The lines of a certificate, words separated by blanks; `a*3` is three tokens in a, or a with the coefficient 3:
+// The lines of a certificate, words separated by blanks; `a*3` is three tokens in a, or a with the coefficient 3. The
+// first three kinds make the net smaller, line by line: what follows is about what is left.
 //
 //     dead TRANSITION...
-//         never fired: each needs a place that M0 and the other transitions never mark, or more of a constant place
-//         than it holds
+//         never fired: each needs a place that M0 and the other transitions never mark, or more than there is of a
+//         place that they do not raise
+//     dominated TRANSITION [BY]
+//         never needed: BY needs no more and leaves no less, constant places aside; without BY, it puts nothing in the
+//         balance
+//     merge PLACE BY
+//         each transition changes the two by the same multiple of f and of g, the greatest common divisors of their
+//         changes, so that the count of BY tells that of PLACE; needing PLACE is needing as many of BY as there are
+//         when PLACE holds as much as is needed or the next larger count that it can. Where BY is needed so much that
+//         it would not do with g less, that stays
 //     part PLACE...
-//         a set of places; transitions not dead that change one of them need none of other parts
+//         a set of places; transitions that change one of them need none of other parts
 //     fires TRANSITION...
-//         the transitions of the part, without duplicates; they are x0, x1, ... in the proofs
+//         the transitions of the part; they are x0, x1, ... in the proofs
 //     token PLACE...
 //         places of the part that hold one token together, at the start and after every transition
 //     omega N raises PLACE... needs PLACE*COUNT... by RUN
@@ -65,12 +74,13 @@
 
 #include "Reseau/Net.h"
 #include "Reseau/Parties.h"
+#include "Reseau/Reduction.h"
 #include "Reseau/Resolution.h"
 
 namespace Reseau {
 
-/// Writes the "dead" line: the transitions that no run fires.
-void certifierMortes(std::ostream& out, const Net& net);
+/// Writes the certificate of a reduction of `net`.
+void certifier(std::ostream& out, const Net& net, const Reduction& reduction);
 
 /// Writes the certificate of one part that has been taken to its end.
 void certifier(std::ostream& out, const Net& net, const Partie& partie, const Resolution& resolution, bool verdictSeul);

@@ -7,10 +7,10 @@
 
 namespace Reseau {
 
-bool sommeConstante(const Net& net) {
-    return std::ranges::all_of(net.transitions, [](const Transition& t) {
+bool sommeConstante(const Net& net, const std::vector<std::uint32_t>& transitions) {
+    return std::ranges::all_of(transitions, [&net](std::uint32_t t) {
         Large somme = 0;
-        for (const Poids& e : t.effet) somme += e.compte;
+        for (const Poids& e : net.transitions[t].effet) somme += e.compte;
         return somme == 0;
     });
 }

@@ -15,8 +15,8 @@
 
 namespace Reseau {
 
-/// @return whether every transition puts as many tokens as it takes
-bool sommeConstante(const Net& net);
+/// @return whether each of these transitions puts as many tokens as it takes
+bool sommeConstante(const Net& net, const std::vector<std::uint32_t>& transitions);
 
 /// @return whether a positive place invariant has been found (exactly; it may be missed in a net too large to ask)
 bool conservatif(const Net& net);

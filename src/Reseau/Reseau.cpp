@@ -1,5 +1,5 @@
-// The order in which an answer is looked for: the net is cut into parts, all parts are tried for a short while, and
-// then each is taken to its end. The answers are put together again in the numbers of the whole net.
+// The order in which an answer is looked for: the net is made smaller and cut into parts, all parts are tried for a
+// short while, and then each is taken to its end. The answers are put together again in the numbers of the whole net.
 #include "Reseau/Reseau.h"
 
 #include <algorithm>
@@ -8,7 +8,9 @@
 #include <utility>
 
 #include "Reseau/Certificat.h"
+#include "Reseau/Conservation.h"
 #include "Reseau/Parties.h"
+#include "Reseau/Reduction.h"
 #include "Reseau/Resolution.h"
 
 namespace Reseau {
@@ -29,57 +31,60 @@ std::vector<Creux> temoins(const Resolution& resolution, std::size_t places) {
 }
 
 /// The parts are independent, so any markings of theirs are reached together: the n-th of each makes the n-th of the
-/// whole.
+/// whole. Places in none keep their initial count, or another one tells theirs.
 class Assemblage {
 public:
-    explicit Assemblage(const Net& net) : constantes_(net.places.size(), true), initial_(net.initial) {}
+    Assemblage(const Net& net, const Reduction& reduction) : reduction_(reduction), fixes_(net.initial) {}
 
     void ajouter(const Partie& partie, std::vector<Creux> marquages) {
-        for (const std::uint32_t p : partie.places) constantes_[p] = false;
+        for (const std::uint32_t p : partie.places) fixes_[p] = 0;
         for (Creux& m : marquages)
             for (Poids& v : m) v.place = partie.places[v.place];
         if (!marquages.empty()) parties_.push_back(std::move(marquages));
     }
 
     std::vector<Creux> marquages() const {
-        Creux fixe;
-        for (std::uint32_t p = 0; p < initial_.size(); ++p)
-            if (constantes_[p] && initial_[p] > 0) fixe.push_back({p, initial_[p]});
-        std::size_t nombre = fixe.empty() ? 0 : 1;
+        std::size_t nombre = 1;
         for (const auto& m : parties_) nombre = std::max(nombre, m.size());
-        std::vector<Creux> entiers(nombre, fixe);
+        std::vector<Creux> entiers;
         for (std::size_t i = 0; i < nombre; ++i) {
-            for (const auto& m : parties_) {
-                const Creux& choisi = m[std::min(i, m.size() - 1)];
-                entiers[i].insert(entiers[i].end(), choisi.begin(), choisi.end());
-            }
-            std::ranges::sort(entiers[i], {}, &Poids::place);
+            std::vector<Compte> comptes = fixes_;
+            for (const auto& m : parties_)
+                for (const Poids& v : m[std::min(i, m.size() - 1)]) comptes[v.place] = v.compte;
+            reduction_.restituer(comptes);
+            entiers.emplace_back();
+            for (std::uint32_t p = 0; p < comptes.size(); ++p)
+                if (comptes[p] > 0) entiers.back().push_back({p, comptes[p]});
         }
+        if (entiers[0].empty()) return {};  // then there is no other
         return entiers;
     }
 
 private:
-    std::vector<bool> constantes_;
-    std::vector<Compte> initial_;
+    const Reduction& reduction_;
+    std::vector<Compte> fixes_;  // by place, 0 for those of the parts
     std::vector<std::vector<Creux>> parties_;
 };
 
 }  // namespace
 
 Rapport analyser(const Net& net, const Options& options) {
-    const std::vector<Partie> parties = decouper(net);
+    Reduction reduction(net);
+    const std::vector<Partie> parties = decouper(reduction);
     std::vector<std::unique_ptr<Resolution>> resolutions;
     Rapport rapport;
     for (const Partie& partie : parties) {
         resolutions.push_back(std::make_unique<Resolution>(partie.net, options.fils));
+        // In the given net: a place that stands for others weighs as much as they do.
+        if (sommeConstante(net, partie.transitions)) resolutions.back()->couverture.declarerIncomparables();
         resolutions.back()->essayer(options);
         rapport.bornee = rapport.bornee && resolutions.back()->bornee();
         if (options.verdictSeul && !rapport.bornee) break;
     }
-    Assemblage assemblage(net);
+    Assemblage assemblage(net, reduction);
     std::ostringstream certificat;
     certificat.exceptions(std::ios::badbit);  // or it would swallow that memory runs out
-    if (options.preuves) certifierMortes(certificat, net);
+    if (options.preuves) certifier(certificat, net, reduction);
     if (!options.verdictSeul) rapport.bornes = net.initial;
     for (std::size_t i = 0; i < resolutions.size(); ++i) {
         Resolution& resolution = *resolutions[i];
@@ -94,7 +99,10 @@ Rapport analyser(const Net& net, const Options& options) {
             rapport.bornes[parties[i].places[p]] = resolution.borne(p);
         assemblage.ajouter(parties[i], temoins(resolution, parties[i].places.size()));
     }
-    if (!options.verdictSeul) rapport.marquages = assemblage.marquages();
+    if (!options.verdictSeul) {
+        reduction.restituer(rapport.bornes);
+        rapport.marquages = assemblage.marquages();
+    }
     rapport.certificat = certificat.str();
     return rapport;
 }

@@ -47,7 +47,6 @@ Majoration pour(std::uint32_t place, const std::vector<std::uint32_t>& places, c
 void Resolution::essayer(const Options& options) {
     majorations.resize(net_.places.size());
     if (options.preuves) couverture.garderLesChemins();
-    if (sommeConstante(net_)) couverture.declarerIncomparables();
     fini_ = couverture.explorer(options.essai, options.verdictSeul);
 }
 

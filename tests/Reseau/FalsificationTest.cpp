@@ -415,6 +415,40 @@ std::optional<Lignes> vivanteEnterree(const Epreuve& e, Hasard& h) {
     return fausses;
 }
 
+/// A transition that puts something is called needless, by itself or because of one that puts less into some place.
+std::optional<Lignes> dominationFausse(const Epreuve& e, Hasard& h) {
+    std::vector<const Reseau::Transition*> tirees;
+    for (const std::size_t i : lignesDe(e.lignes, "fires"))
+        for (const std::string& nom : apres(e.lignes[i], 1)) tirees.push_back(e.transition(nom));
+    if (tirees.empty()) return std::nullopt;
+    const Reseau::Transition& dominee = *unDe(tirees, h);
+    const Reseau::Transition& par = *unDe(tirees, h);
+    const bool seule = tirer(h, 2) == 0;
+    const bool moins = std::ranges::any_of(
+        dominee.effet, [&](const Reseau::Poids& p) { return p.compte > (seule ? 0 : valeur(par.effet, p.place)); });
+    if (!moins) return std::nullopt;
+    Lignes fausses = e.lignes;
+    const Mots ligne = seule ? Mots{"dominated", dominee.nom} : Mots{"dominated", dominee.nom, par.nom};
+    fausses.insert(fausses.begin() + static_cast<std::ptrdiff_t>(lignesDe(e.lignes, "dead").back()) + 1, ligne);
+    return fausses;
+}
+
+/// A place is merged into one that a transition does not change with it.
+std::optional<Lignes> fusionFausse(const Epreuve& e, Hasard& h) {
+    std::vector<std::size_t> numeros = lignesDe(e.lignes, "fires");
+    std::erase_if(numeros, [&](std::size_t i) { return e.lignes[i].size() < 2; });
+    if (numeros.empty()) return std::nullopt;
+    const Reseau::Transition& t = *e.transition(unDe(apres(e.lignes[unDe(numeros, h)], 1), h));
+    const std::uint32_t p = unDe(t.effet, h).place;
+    const std::uint32_t q = e.place(unDe(e.net.places, h));
+    if (valeur(t.effet, q) != 0) return std::nullopt;
+    Lignes fausses = e.lignes;
+    const Mots ligne = tirer(h, 2) == 0 ? Mots{"merge", e.net.places[p], e.net.places[q]}
+                                        : Mots{"merge", e.net.places[q], e.net.places[p]};
+    fausses.insert(fausses.begin() + static_cast<std::ptrdiff_t>(lignesDe(e.lignes, "dead")[0]) + 1, ligne);
+    return fausses;
+}
+
 /// A run that no longer ends with the count that it is to show.
 std::optional<Lignes> courseFausse(const Epreuve& e, Hasard& h) {
     std::vector<std::size_t> numeros = lignesDe(e.lignes, "bound");
@@ -550,6 +584,11 @@ const std::vector<std::pair<std::string, Faussaire>> FAUSSAIRES{
     {"a place of a part is missing",
      [](auto& e, auto& h) { return e.verdictSeul && !e.bornee ? std::nullopt : sansMot(e, "part", h); }},
     {"a part is missing", [](auto& e, auto& h) { return sansLigne(e, "part", h); }},
+    // Then nothing shows the bound of the place. Of an unbounded part the verdict alone needs no places.
+    {"a merge is missing",
+     [](auto& e, auto& h) { return e.verdictSeul && !e.bornee ? std::nullopt : sansLigne(e, "merge", h); }},
+    {"a transition is called needless that is not", dominationFausse},
+    {"places are merged that do not count the same", fusionFausse},
     {"a bound is missing", [](auto& e, auto& h) { return sansLigne(e, "bound", h); }},
     {"a most is missing", [](auto& e, auto& h) { return sansLigne(e, "most", h); }},
     {"the only cycle is missing",

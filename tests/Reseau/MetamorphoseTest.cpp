@@ -1,6 +1,6 @@
 // What changes a net's text without changing, or in a known way, what the net can do must leave the bounds, or change
-// them in that way: names, the order of the lines, a transition that cannot be fired, a place that never matters, a
-// common factor.
+// them in that way: names, the order of the lines, a transition that cannot be fired or is not needed, a place that
+// never matters or counts what another one does, a common factor.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -98,6 +98,60 @@ TEST_F(Metamorphoses, APlaceThatFollowsAnotherWithTokensToSpareChangesNothing) {
         const Reseau::Compte borne = attendues.at("p" + std::to_string(modele));
         attendues["p" + std::to_string(net.places)] = borne == Reseau::OMEGA ? borne : borne + enPlus;
         ASSERT_EQ(bornes(avec.texte()), attendues) << avec.texte();
+    });
+}
+
+/// The factor is a fraction where the place's own changes have a common divisor; at times tokens are to spare, at times
+/// just enough, and at times a reader needs some.
+TEST_F(Metamorphoses, APlaceParallelToAnotherByAFactorHasTheBoundThatFollows) {
+    pourChaqueNet([](const essai::Net& net, essai::Hasard& h) {
+        const auto modele = static_cast<std::size_t>(essai::tirer(h, net.places));
+        const int facteur = 1 + essai::tirer(h, 4);
+        const int enPlus = essai::tirer(h, 3);
+        essai::Net avec = net;
+        ++avec.places;
+        avec.initial.push_back(net.initial[modele] * facteur + enPlus);
+        for (auto& t : avec.transitions) {
+            const int change = (t.post[modele] - t.pre[modele]) * facteur;
+            const int besoin = t.pre[modele] * facteur + essai::tirer(h, enPlus + 1);
+            t.pre.push_back(t.pre[modele] == 0 && essai::tirer(h, 2) == 0 ? 0 : besoin);
+            t.post.push_back(t.pre.back() + change);
+        }
+        Bornes attendues = bornes(net.texte());
+        const Reseau::Compte borne = attendues.at("p" + std::to_string(modele));
+        attendues["p" + std::to_string(net.places)] = borne == Reseau::OMEGA ? borne : borne * facteur + enPlus;
+        ASSERT_EQ(bornes(avec.texte()), attendues) << avec.texte();
+    });
+}
+
+/// A transition that needs more than another one, and leaves less.
+TEST_F(Metamorphoses, ADominatedTransitionChangesNothing) {
+    pourChaqueNet([](const essai::Net& net, essai::Hasard& h) {
+        if (net.transitions.empty()) return;
+        essai::Net avec = net;
+        essai::Net::Transition d = net.transitions[h() % net.transitions.size()];
+        for (std::size_t p = 0; p < d.pre.size(); ++p) {
+            const int enPlus = essai::tirer(h, 3) == 0 ? 1 + essai::tirer(h, 2) : 0;
+            d.pre[p] += enPlus;
+            d.post[p] += essai::tirer(h, enPlus + 1);
+            if (essai::tirer(h, 4) == 0) d.post[p] = essai::tirer(h, d.post[p] + 1);
+        }
+        const auto ou = static_cast<std::ptrdiff_t>(h() % (net.transitions.size() + 1));
+        avec.transitions.insert(avec.transitions.begin() + ou, d);
+        ASSERT_EQ(bornes(avec.texte()), bornes(net.texte())) << avec.texte();
+    });
+}
+
+TEST_F(Metamorphoses, ATransitionThatOnlyTakesChangesNothing) {
+    pourChaqueNet([](const essai::Net& net, essai::Hasard& h) {
+        essai::Net avec = net;
+        essai::Net::Transition d;
+        for (int p = 0; p < net.places; ++p) {
+            d.pre.push_back(essai::tirer(h, 2) == 0 ? essai::tirer(h, 3) : 0);
+            d.post.push_back(essai::tirer(h, d.pre.back() + 1));
+        }
+        avec.transitions.push_back(d);
+        ASSERT_EQ(bornes(avec.texte()), bornes(net.texte())) << avec.texte();
     });
 }
 

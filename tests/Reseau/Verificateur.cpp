@@ -6,6 +6,7 @@
 #include <set>
 #include <sstream>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 #include "Rapport.h"
@@ -38,6 +39,15 @@ Entier produit(Entier a, Entier b) {
     Entier p = 0;
     exiger(!__builtin_mul_overflow(a, b, &p), "a product beyond 128 bits");
     return p;
+}
+
+/// a / b for b > 0, rounded down.
+Entier enBas(Entier a, Entier b) { return a / b - (a % b < 0 ? 1 : 0); }
+
+/// Never negative.
+Entier pgcd(Entier a, Entier b) {
+    while (b != 0) a = std::exchange(b, a % b);
+    return a < 0 ? -a : a;
 }
 
 Entier nombre(const std::string& texte) {
@@ -88,7 +98,12 @@ public:
 
 private:
     void lireNet(const std::string& texte);
-    void verifierMortes();
+    void verifierReduction();
+    void verifierMortes(const Mots& m);
+    void verifierDominee(const Mots& m);
+    void verifierFusion(const Mots& m);
+    void trouverConstantes();
+    void restituer();
     void verifierPartie();
     void verifierTirees();
     void verifierJeton(const Mots& m);
@@ -125,8 +140,15 @@ private:
     std::map<std::string, long long> montrees_;
     std::size_t ici_ = 0;
 
-    std::set<std::string> mortes_;
-    std::set<std::string> constantes_;      // places that keep their count
+    std::map<std::string, std::set<std::string>> mentions_;  // by place, transitions that name it in the given net
+    std::set<std::string> constantes_;                       // places that keep their count
+    struct Fusion {
+        std::string place;
+        std::string temoin;
+        Entier facteur;
+        Entier diviseur;
+    };
+    std::vector<Fusion> fusions_;
     std::map<std::string, Entier> bornes_;  // proved, by place
     bool unePartieSansBorne_ = false;
     std::set<std::string> reparties_;  // places of the parts so far
@@ -178,6 +200,7 @@ void Verification::lireNet(const std::string& texte) {
             }
             const auto [p, n] = poids(m[i]);
             places_.insert(p);
+            mentions_[p].insert(m[1]);
             t.effet[p] += signe * n;
             if (signe < 0) t.pre[p] += n;
         }
@@ -189,35 +212,114 @@ const Mots& Verification::ligne() const {
     return lignes_[ici_];
 }
 
+/// Each line is about the net that the lines before it have left.
+void Verification::verifierReduction() {
+    exiger(ligne()[0] == "dead", "\"dead\" expected");
+    for (;;) {
+        if (commence("dead"))
+            verifierMortes(prochaine());
+        else if (commence("dominated"))
+            verifierDominee(prochaine());
+        else if (commence("merge"))
+            verifierFusion(prochaine());
+        else
+            break;
+    }
+    trouverConstantes();
+    for (const std::string& p : constantes_) bornes_[p] = lire(initial_, p);
+}
+
+/// What no transition changes keeps its count.
+void Verification::trouverConstantes() {
+    constantes_ = places_;
+    for (const auto& [nom, t] : transitions_)
+        for (const auto& [p, n] : t.effet)
+            if (n != 0) constantes_.erase(p);
+}
+
 /// If a run fired a dead transition, the first one it fires would lack what only dead transitions provide.
-void Verification::verifierMortes() {
-    const Mots m = prochaine();
-    exiger(m[0] == "dead", "\"dead\" expected");
-    mortes_.insert(m.begin() + 1, m.end());
+void Verification::verifierMortes(const Mots& m) {
+    std::vector<Transition> mortes;
+    for (std::size_t i = 1; i < m.size(); ++i) {
+        mortes.push_back(transitions_.at(m[i]));
+        transitions_.erase(m[i]);
+    }
+    trouverConstantes();
     std::set<std::string> marquables;
-    std::set<std::string> changeantes;
+    std::set<std::string> montees;
     for (const auto& [p, n] : initial_)
         if (n > 0) marquables.insert(p);
-    for (const auto& [nom, t] : transitions_) {
-        if (mortes_.contains(nom)) continue;
+    for (const auto& [nom, t] : transitions_)
         for (const auto& [p, n] : t.effet) {
             if (n + lire(t.pre, p) > 0) marquables.insert(p);
-            if (n != 0) changeantes.insert(p);
+            if (n > 0) montees.insert(p);
         }
-    }
-    for (const std::string& nom : mortes_) {
-        const bool manque = std::ranges::any_of(transitions_.at(nom).pre, [&](const auto& b) {
+    for (const Transition& t : mortes) {
+        const bool manque = std::ranges::any_of(t.pre, [&](const auto& b) {
             return b.second > 0 && (!marquables.contains(b.first) ||
-                                    (!changeantes.contains(b.first) && b.second > lire(initial_, b.first)));
+                                    (!montees.contains(b.first) && b.second > lire(initial_, b.first)));
         });
-        exiger(manque, "not dead: ", nom);
+        exiger(manque, "not all are dead");
     }
-    // What no transition changes keeps its count.
-    for (const std::string& p : places_)
-        if (!changeantes.contains(p)) {
-            constantes_.insert(p);
-            bornes_[p] = lire(initial_, p);
+}
+
+/// In any run the other one can stand in its place, or nothing, and the run ends with no less; so nothing more is
+/// reached with it. What a constant place holds is there whoever needs it.
+void Verification::verifierDominee(const Mots& m) {
+    exiger(m.size() == 2 || m.size() == 3, "not one transition and the one that dominates it");
+    const Transition dominee = transitions_.at(m[1]);
+    transitions_.erase(m[1]);
+    const Transition par = m.size() == 3 ? transitions_.at(m[2]) : Transition{};
+    for (const auto& [p, n] : par.pre)
+        exiger(n <= lire(dominee.pre, p) || (constantes_.contains(p) && n <= lire(initial_, p)),
+               "needs more: ", m.back());
+    std::set<std::string> changees;
+    for (const auto* effet : {&dominee.effet, &par.effet})
+        for (const auto& [p, n] : *effet) changees.insert(p);
+    for (const std::string& p : changees)
+        exiger(lire(par.effet, p) >= lire(dominee.effet, p), "leaves less: ", m.back());
+}
+
+/// With f and g the greatest common divisors of what the transitions change the places by, the counts are M0(p) + f c
+/// and M0(q) + g c at any time, for the same whole number c; a need of n means c >= (n - M0(p)) / f, rounded up. Where
+/// q is needed so much that g less would not do, that says as much already.
+void Verification::verifierFusion(const Mots& m) {
+    const std::string& p = m.at(1);
+    const std::string& q = m.at(2);
+    exiger(m.size() == 3 && p != q && places_.contains(p) && places_.contains(q), "not two places");
+    std::set<std::string> touchees = mentions_[p];
+    touchees.insert(mentions_[q].begin(), mentions_[q].end());
+    std::erase_if(touchees, [this](const std::string& t) { return !transitions_.contains(t); });
+    Entier f = 0;
+    Entier g = 0;
+    for (const std::string& t : touchees) {
+        f = pgcd(f, lire(transitions_.at(t).effet, p));
+        g = pgcd(g, lire(transitions_.at(t).effet, q));
+    }
+    exiger(f > 0 && g > 0, "a place that does not change");
+    for (const std::string& nom : touchees) {
+        Transition& t = transitions_.at(nom);
+        exiger(lire(t.effet, p) / f == lire(t.effet, q) / g, "not the same multiples: ", nom);
+        if (const Entier n = lire(t.pre, p); n > 0) {
+            const Entier tours = -enBas(lire(initial_, p) - n, f);
+            const Entier autant = somme(lire(initial_, q), produit(tours, g));
+            if (autant - g >= lire(t.pre, q)) t.pre[q] = autant;
+            mentions_[q].insert(nom);
         }
+        t.pre.erase(p);
+        t.effet.erase(p);
+    }
+    fusions_.push_back({p, q, f, g});
+}
+
+/// The bounds of the places that were merged into others.
+void Verification::restituer() {
+    for (auto i = fusions_.rbegin(); i != fusions_.rend(); ++i) {
+        exiger(bornes_.contains(i->temoin), "no bound for ", i->temoin);
+        const Entier borne = bornes_.at(i->temoin);
+        const Entier tours = (borne - lire(initial_, i->temoin)) / i->diviseur;
+        bornes_[i->place] = borne == W ? W : somme(lire(initial_, i->place), produit(tours, i->facteur));
+    }
 }
 
 bool Verification::concerne(const Transition& t) const {
@@ -236,7 +338,7 @@ void Verification::verifierTirees() {
     for (const std::string& nom : tirees_)
         listees.insert({dansPartie(transitions_.at(nom).pre), dansPartie(transitions_.at(nom).effet)});
     for (const auto& [nom, t] : transitions_) {
-        if (mortes_.contains(nom) || !concerne(t)) continue;
+        if (!concerne(t)) continue;
         exiger(listees.contains({dansPartie(t.pre), dansPartie(t.effet)}), "not among the part's transitions: ", nom);
     }
 }
@@ -493,9 +595,8 @@ Verification::Contrainte Verification::arrondie(const Mots& m) {
             for (const auto& [t, e] : effets_[nom]) c.forme[t] = somme(c.forme[t], produit(y, e));
         }
     }
-    const auto enBas = [diviseur](Entier n) { return n / diviseur - (n % diviseur < 0 ? 1 : 0); };
-    c.constante = enBas(c.constante);
-    for (auto& [t, n] : c.forme) n = -enBas(-n);
+    c.constante = enBas(c.constante, diviseur);
+    for (auto& [t, n] : c.forme) n = -enBas(-n, diviseur);
     return c;
 }
 
@@ -643,9 +744,10 @@ void Verification::verifierMarquages() const {
 }
 
 void Verification::verifier() {
-    verifierMortes();
+    verifierReduction();
     while (ici_ < lignes_.size()) verifierPartie();
     exiger(bornee_ == !unePartieSansBorne_, "the verdict is not what the parts show");
+    if (bornee_ || !verdictSeul_) restituer();
     if (!verdictSeul_) return verifierMarquages();
     if (bornee_)
         for (const std::string& p : places_) exiger(bornes_.contains(p), "in no part: ", p);
