@@ -189,22 +189,9 @@ Reseau::Net compteur(int n) {
     return c.finir();
 }
 
-/// 15 to 95 places, 30 to 100 transitions, up to four arcs a transition; n is the number of places and part of the
-/// seed.
 template <int GRAINE>
 Reseau::Net hasard(int n) {
-    Hasard h(static_cast<std::uint64_t>(n + 1000 * GRAINE));
-    Chantier c;
-    const int transitions = 30 + (n - 15) * 70 / 80;
-    for (int p = 0; p < n; ++p) c.pl(nom("p", p), tirer(h, 4) == 0 ? 1 : 0);
-    for (int t = 0; t < transitions; ++t) {
-        std::string pre;
-        std::string post;
-        for (int a = 1 + tirer(h, 2); a > 0; --a) pre += " " + nom("p", tirer(h, n));
-        for (int a = tirer(h, 3); a > 0; --a) post += " " + nom("p", tirer(h, n)) + (tirer(h, 10) == 0 ? "*2" : "");
-        c.tr(pre, post);
-    }
-    return c.finir();
+    return auHasard(n, GRAINE);
 }
 
 /// A program of n statements over five shared bits, run by threads that are created without end, as model checkers of
@@ -283,6 +270,38 @@ Reseau::Net modele(int jetons) {
 }
 
 }  // namespace
+
+Reseau::Net auHasard(int n, int graine) {
+    Hasard h(static_cast<std::uint64_t>(n + 1000 * graine));
+    Chantier c;
+    const int transitions = 30 + (n - 15) * 70 / 80;
+    for (int p = 0; p < n; ++p) c.pl(nom("p", p), tirer(h, 4) == 0 ? 1 : 0);
+    for (int t = 0; t < transitions; ++t) {
+        std::string pre;
+        std::string post;
+        for (int a = 1 + tirer(h, 2); a > 0; --a) pre += " " + nom("p", tirer(h, n));
+        for (int a = tirer(h, 3); a > 0; --a) post += " " + nom("p", tirer(h, n)) + (tirer(h, 10) == 0 ? "*2" : "");
+        c.tr(pre, post);
+    }
+    return c.finir();
+}
+
+Reseau::Net dense(int graine) {
+    Hasard h(static_cast<std::uint64_t>(graine));
+    Chantier c;
+    const int places = 50 + tirer(h, 51);
+    const int transitions = 50 + tirer(h, 51);
+    for (int p = 0; p < places; ++p) c.pl(nom("p", p), tirer(h, 4) == 0 ? 1 : 0);
+    for (int t = 0; t < transitions; ++t) {
+        std::string pre;
+        std::string post;
+        const int arcs = 2 + tirer(h, 9);
+        const int pris = 1 + tirer(h, arcs - 1);
+        for (int a = 0; a < arcs; ++a) (a < pris ? pre : post) += " " + nom("p", tirer(h, places));
+        c.tr(pre, post);
+    }
+    return c.finir();
+}
 
 /// Two arcs leave each node, one of them to the next; two in three carry a rule that takes one or two kinds of
 /// molecules and puts up to two. One or two nodes are initial, with each kind present at odds of one half: `jetons` of

@@ -18,6 +18,12 @@ struct Famille {
     std::vector<int> parametres;
 };
 
+/// 15 to 95 places, 30 to 100 transitions, up to four arcs a transition.
+Reseau::Net auHasard(int places, int graine);
+
+/// 50 to 100 places, 50 to 100 transitions, each with up to ten places.
+Reseau::Net dense(int graine);
+
 /// What the rules of a random model do: turn molecules into later kinds only, put no more than they take, or anything.
 enum class Genre { ETAGE, ECONOME, LIBRE };
 

@@ -1,0 +1,220 @@
+// How the exploration does beside the published constructions: `reseau_publies [SECONDS [SEEDS]]` builds the whole
+// minimal coverability set of the nets of `reseau_table` and of random nets, SEEDS (20) for each size, each in a
+// process of its own that ends after SECONDS (0.2) of processor time, and prints for each net that some construction
+// finishes:
+//
+//   set       its maximal markings, the same by all that finish
+//   nodes     markings of which the successors were asked for, each as often as that began anew; of a published
+//             construction, in that of its orders in which they are fewest
+//   s         seconds of processor time with one thread, the mean of as many runs as fit into some milliseconds; of a
+//             published construction, in its fastest order
+//
+// and at the end, for each kind of net, on how many of them the exploration expands no more than any of the others, and
+// is faster than each.
+#include <sys/time.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <functional>
+#include <limits>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Reseau/Conservation.h"
+#include "Reseau/Couverture.h"
+#include "Reseau/Reseau.h"
+#include "a_part.h"
+#include "reseau_familles.h"
+#include "reseau_publies.h"
+
+namespace {
+
+constexpr std::uint64_t SANS_LIMITE = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t ESSAI = 1000;  // markings expanded before the analyser asks whether the net conserves anything
+constexpr double ASSEZ = 0.005;        // seconds that are measured at least
+
+struct Mesure {
+    std::uint64_t taille = 0;
+    std::uint64_t empreinte = 0;  // of the set
+    std::uint64_t explores = SANS_LIMITE;
+    double secondes = std::numeric_limits<double>::infinity();
+    bool finie() const { return explores < SANS_LIMITE; }
+};
+
+std::uint64_t empreinte(const std::vector<etalon::Dense>& ensemble) {
+    std::uint64_t h = 1;
+    for (const etalon::Dense& m : ensemble)
+        for (const Reseau::Compte c : m) h = (h ^ static_cast<std::uint64_t>(c)) * 0x9E3779B97F4A7C15U + (h >> 29);
+    return h;
+}
+
+/// Calls f() until that has taken long enough.
+/// @return the mean of the seconds
+double chronometrer(const std::function<void()>& f) {
+    const std::clock_t debut = std::clock();
+    for (double tours = 1;; ++tours) {
+        f();
+        const double secondes = static_cast<double>(std::clock() - debut) / CLOCKS_PER_SEC;
+        if (secondes >= ASSEZ) return secondes / tours;
+    }
+}
+
+/// The exploration as the analyser runs it on a net that nothing else decides.
+void couvrir(Reseau::Couverture& c, const Reseau::Net& net) {
+    if (Reseau::sommeConstante(net)) c.declarerIncomparables();
+    if (c.explorer(ESSAI, false)) return;
+    if (!c.nonBornee() && Reseau::conservatif(net)) c.declarerIncomparables();
+    c.explorer(SANS_LIMITE, false);
+}
+
+Mesure explorer(const Reseau::Net& net) {
+    Mesure m;
+    m.secondes = chronometrer([&net] {
+        Reseau::Couverture c(net, 1);
+        couvrir(c, net);
+    });
+    Reseau::Couverture c(net, 1);
+    couvrir(c, net);
+    m.explores = c.explores();
+    std::vector<etalon::Dense> ensemble;
+    c.pourChaqueMaximal([&](const Reseau::Creux& creux) {
+        ensemble.emplace_back(net.places.size(), 0);
+        for (const Reseau::Poids& p : creux) ensemble.back()[p.place] = p.compte;
+    });
+    std::ranges::sort(ensemble);
+    m.taille = ensemble.size();
+    m.empreinte = empreinte(ensemble);
+    return m;
+}
+
+Mesure etalonner(const Reseau::Net& net, const etalon::Publiee& publiee, etalon::Ordre ordre) {
+    Mesure m;
+    etalon::Construction construction;
+    m.secondes = chronometrer([&] { construction = publiee.construire(net, ordre, SANS_LIMITE).value(); });
+    m.explores = construction.explores;
+    m.taille = construction.maximaux.size();
+    m.empreinte = empreinte(construction.maximaux);
+    return m;
+}
+
+/// A process that is still running after so much processor time is ended by the signal.
+void limiterA(double secondes) {
+    limiter(RLIM_INFINITY, RLIM_INFINITY);
+    itimerval reveil{};
+    reveil.it_value.tv_sec = static_cast<time_t>(secondes);
+    reveil.it_value.tv_usec = static_cast<suseconds_t>((secondes - std::floor(secondes)) * 1e6);
+    setitimer(ITIMER_PROF, &reveil, nullptr);
+}
+
+Mesure mesurer(const std::function<Mesure()>& quoi, double secondes) {
+    return aPart([&] {
+               limiterA(secondes);
+               return quoi();
+           })
+        .value_or(Mesure{});
+}
+
+/// The fewest nodes and the shortest time of all orders.
+Mesure mesurer(const Reseau::Net& net, const etalon::Publiee& publiee, double secondes) {
+    Mesure meilleure;
+    for (const etalon::Ordre ordre : publiee.ordres) {
+        const Mesure m = mesurer([&] { return etalonner(net, publiee, ordre); }, secondes);
+        if (!m.finie()) continue;
+        if (meilleure.finie() && m.empreinte != meilleure.empreinte) std::abort();
+        meilleure = {m.taille, m.empreinte, std::min(meilleure.explores, m.explores),
+                     std::min(meilleure.secondes, m.secondes)};
+    }
+    return meilleure;
+}
+
+struct Bilan {
+    int nets = 0;
+    int pasPlus = 0;
+    int plusVite = 0;
+};
+
+class Comparaison {
+public:
+    explicit Comparaison(double secondes) : secondes_(secondes) {}
+
+    void entete() const {
+        std::printf("%-16s %10s | %5s %5s | %8s | %16s", "net", "n", "pl.", "tr.", "set", "this one: nodes, s");
+        for (const etalon::Publiee& p : etalon::publiees()) std::printf(" | %18s", p.nom.c_str());
+        std::printf("\n");
+    }
+
+    /// @return whether all constructions agree
+    bool comparer(const std::string& genre, const std::string& nom, int n, const Reseau::Net& net) {
+        std::vector<Mesure> mesures{mesurer([&net] { return explorer(net); }, secondes_)};
+        for (const etalon::Publiee& p : etalon::publiees()) mesures.push_back(mesurer(net, p, secondes_));
+        const auto une = std::ranges::find_if(mesures, &Mesure::finie);
+        if (une == mesures.end()) return true;
+        const bool accord =
+            std::ranges::all_of(mesures, [&](const Mesure& m) { return !m.finie() || m.empreinte == une->empreinte; });
+        const auto autres = std::next(mesures.begin());
+        const Mesure& ici = mesures.front();
+        Bilan& bilan = bilans_[genre];
+        const bool plus =
+            std::any_of(autres, mesures.end(), [&](const Mesure& m) { return m.explores < ici.explores; });
+        const bool vite =
+            std::all_of(autres, mesures.end(), [&](const Mesure& m) { return ici.secondes < m.secondes; });
+        ++bilan.nets;
+        bilan.pasPlus += !plus;
+        bilan.plusVite += vite;
+        std::printf("%-16s %10d | %5zu %5zu | %8lu", nom.c_str(), n, net.places.size(), net.transitions.size(),
+                    static_cast<unsigned long>(une->taille));
+        for (const Mesure& m : mesures)
+            if (m.finie())
+                std::printf(" | %8lu %9.6f", static_cast<unsigned long>(m.explores), m.secondes);
+            else
+                std::printf(" | %8s %9s", "-", "-");
+        std::printf("%s%s%s\n", plus ? "  MORE" : "", vite ? "" : "  SLOWER", accord ? "" : "  DISAGREE");
+        std::fflush(stdout);
+        return accord;
+    }
+
+    void conclure() const {
+        for (const auto& [genre, b] : bilans_)
+            std::printf("%s: of %d nets no more nodes than any other on %d, faster than each on %d\n", genre.c_str(),
+                        b.nets, b.pasPlus, b.plusVite);
+    }
+
+private:
+    double secondes_;
+    std::map<std::string, Bilan> bilans_;
+};
+
+/// Whether no initial marking makes the net unbounded: a large one would.
+bool structurellementBorne(Reseau::Net net) {
+    std::ranges::fill(net.initial, 1'000'000);
+    return Reseau::analyser(net, {.verdictSeul = true}).bornee;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const double secondes = argc > 1 ? std::atof(argv[1]) : 0.2;
+    const int graines = argc > 2 ? std::atoi(argv[2]) : 20;
+    Comparaison comparaison(secondes);
+    comparaison.entete();
+    for (const familles::Famille& f : familles::toutes())
+        for (const int n : f.parametres)
+            if (!comparaison.comparer("families", f.nom, n, f.net(n))) return 1;
+    for (int places = 15; places <= 95; places += 10)
+        for (int graine = 100; graine < 100 + graines; ++graine)
+            if (!comparaison.comparer("random", "random", 1000 * graine + places, familles::auHasard(places, graine)))
+                return 1;
+    for (int graine = 0, nets = 0; nets < 5 * graines; ++graine) {
+        const Reseau::Net net = familles::dense(graine);
+        if (structurellementBorne(net)) continue;
+        ++nets;
+        if (!comparaison.comparer("dense random", "dense random", graine, net)) return 1;
+    }
+    comparaison.conclure();
+    return 0;
+}
