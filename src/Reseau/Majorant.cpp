@@ -631,7 +631,8 @@ void Majorants::courir(const Question& q, const std::vector<Compte>& comptes, st
     const std::uint64_t accorde = std::min(travail_, q.parCourse);
     std::uint64_t reste = accorde;
     try {
-        if (auto course = promenade_->chercher(comptes, place, but, reste)) q.tireur->adopter(std::move(*course));
+        if (auto course = promenade_->chercher(comptes, place, q.tireur->minorants()[place], but, reste))
+            q.tireur->adopter(std::move(*course));
     } catch (const Depassement& e) {
         q.tireur->depasser(e);
     } catch (const Debordement&) {

@@ -13,7 +13,8 @@ namespace {
 constexpr struct {
     std::size_t largeur;
     Compte credit;
-} ESSAIS[] = {{1, 0}, {8, 0}, {16, 2}};
+} ESSAIS[] = {{1, 0}, {8, 0}, {16, 2}, {64, 4}, {256, 6}};
+constexpr std::uint64_t PART = 4;    // of what is left that one of them may cost
 constexpr std::size_t LARGEUR = 4;   // of the beam for a round
 constexpr std::size_t PASSAGES = 6;  // of a place of the token, from where a round is tried
 constexpr std::size_t COUPS = 4000;  // in one run
@@ -42,16 +43,24 @@ Promenade::Promenade(const Net& net, const Jeton& jeton)
     for (std::uint32_t t = 0; t < net.transitions.size(); ++t) departs_[jeton.de(t)].push_back(t);
 }
 
-std::optional<Course> Promenade::chercher(const std::vector<Compte>& comptes, std::uint32_t place, Compte but,
-                                          std::uint64_t& travail) {
+std::optional<Course> Promenade::chercher(const std::vector<Compte>& comptes, std::uint32_t place, Compte plancher,
+                                          Compte but, std::uint64_t& travail) {
     preparer(travail);
     place_ = place;
     but_ = but;
+    mieux_ = plancher;
+    std::optional<Course> meilleure;
     for (const auto& [largeur, credit] : ESSAIS) {
         credit_ = credit;
-        if (auto trouvee = balayer({net_.initial, comptes, jeton_.depart(), 0, 0}, largeur)) return trouvee;
+        std::uint64_t part = travail / PART;
+        travail -= part;
+        travail_ = &part;
+        if (auto trouvee = balayer({net_.initial, comptes, jeton_.depart(), 0, 0}, largeur))
+            meilleure = std::move(trouvee);
+        travail += part;
+        if (mieux_ >= but) break;
     }
-    return std::nullopt;
+    return meilleure;
 }
 
 void Promenade::preparer(std::uint64_t& travail) {
@@ -99,18 +108,19 @@ std::optional<Course> Promenade::balayer(const Etat& depart, std::size_t largeur
     coups_.assign(1, {});
     vus_.clear();
     arrive_.reset();
+    fini_ = false;
     std::vector<Etat> faisceau{depart};
     for (std::size_t tour = 0; tour < COUPS && !faisceau.empty() && *travail_ > 0; ++tour) {
         std::vector<Etat> suivants;
         for (const Etat& etat : faisceau) {
             avancer(etat, suivants);
-            if (arrive_) return course(*arrive_);
+            if (fini_) return course(*arrive_);
         }
         std::ranges::stable_sort(suivants, {}, &Etat::manque);
         if (suivants.size() > largeur) suivants.resize(largeur);
         faisceau = std::move(suivants);
     }
-    return std::nullopt;
+    return arrive_ ? std::optional(course(*arrive_)) : std::nullopt;
 }
 
 bool Promenade::tirable(std::uint32_t t, const std::vector<Compte>& m) const {
@@ -229,8 +239,20 @@ void Promenade::jouer(const Etat& etat, const Suite& suite, bool seule, std::vec
         suivant.avant = coups_.size();
         coups_.push_back({etat.avant, std::move(bloc)});
         suivant.manque = manque(suivant);
-        if (place_ ? suivant.marquage[*place_] >= but_ : suivant.manque == 0) arrive_ = suivant.avant;
+        juger(suivant);
         suivants.push_back(std::move(suivant));
+    }
+}
+
+/// Whether the state is what is looked for, or comes nearer to it than any before.
+void Promenade::juger(const Etat& etat) {
+    if (place_ && etat.marquage[*place_] > mieux_) {
+        mieux_ = etat.marquage[*place_];
+        arrive_ = etat.avant;
+        fini_ = mieux_ >= but_;
+    } else if (!place_ && etat.manque == 0) {
+        arrive_ = etat.avant;
+        fini_ = true;
     }
 }
 

@@ -26,9 +26,9 @@ public:
     Promenade(const Net& net, const Jeton& jeton);
 
     /// @return a run that fires each transition t at most about `comptes[t]` times and ends with `but` tokens in
-    /// `place`, if one is found
+    /// `place`, or with as many as are found, if these are more than `plancher`
     /// @param travail what it may cost, in places and transitions looked at; what it has cost is taken off
-    std::optional<Course> chercher(const std::vector<Compte>& comptes, std::uint32_t place, Compte but,
+    std::optional<Course> chercher(const std::vector<Compte>& comptes, std::uint32_t place, Compte plancher, Compte but,
                                    std::uint64_t& travail);
 
     /// @return a run whose last part fires each transition t `comptes[t]` times, if one is found near the start; its
@@ -57,6 +57,7 @@ private:
     Compte repetitions(const Etat& etat, const Suite& suite, Compte credit);
     Suite retour(const Etat& etat, std::uint32_t premiere, bool large) const;
     std::vector<Suite> traces(const Etat& etat) const;
+    void juger(const Etat& etat);
     double manque(const Etat& etat) const;
     bool tirable(std::uint32_t t, const std::vector<Compte>& m) const;
     Course course(std::size_t coup) const;
@@ -70,7 +71,9 @@ private:
     Compte credit_ = 0;        // firings of each transition beyond the counts
     std::vector<Coup> coups_;  // from 1; 0 is the start
     std::unordered_set<std::uint64_t> vus_;
-    std::optional<std::size_t> arrive_;
+    std::optional<std::size_t> arrive_;  // the move that led nearest
+    Compte mieux_ = 0;                   // tokens in `place_` there, over all beams
+    bool fini_ = false;
 
     // Of the sequence that is being weighed, by place and by transition; zero in between.
     std::vector<Compte> besoin_;
