@@ -21,6 +21,7 @@
 #include <functional>
 #include <limits>
 #include <map>
+#include <numeric>
 #include <string>
 #include <utility>
 #include <vector>
@@ -66,7 +67,9 @@ double chronometrer(const std::function<void()>& f) {
 
 /// The exploration as the analyser runs it on a net that nothing else decides.
 void couvrir(Reseau::Couverture& c, const Reseau::Net& net) {
-    if (Reseau::sommeConstante(net)) c.declarerIncomparables();
+    std::vector<std::uint32_t> toutes(net.transitions.size());
+    std::iota(toutes.begin(), toutes.end(), 0U);
+    if (Reseau::sommeConstante(net, toutes)) c.declarerIncomparables();
     if (c.explorer(ESSAI, false)) return;
     if (!c.nonBornee() && Reseau::conservatif(net)) c.declarerIncomparables();
     c.explorer(SANS_LIMITE, false);
