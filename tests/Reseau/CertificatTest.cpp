@@ -49,6 +49,7 @@ TEST_P(CertificatsAuHasard, EveryAnswerIsProved) {
     for (int i = 0; i < NETS && !HasFatalFailure(); ++i) {
         certifie(essai::netAuHasard(h).texte());
         certifie(essai::netDeReseauAuHasard(h).texte());
+        certifie(essai::netRedondantAuHasard(h).texte());
     }
 }
 

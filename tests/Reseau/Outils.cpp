@@ -68,6 +68,32 @@ Net netAuHasard(Hasard& h) {
     return net;
 }
 
+Net netRedondantAuHasard(Hasard& h) {
+    Net net = netAuHasard(h);
+    for (int n = 1 + tirer(h, 3); n > 0; --n) {
+        const auto modele = static_cast<std::size_t>(tirer(h, net.places));
+        const int facteur = 1 + tirer(h, 3);
+        const int besoins = tirer(h, 3);  // of one transition in so many
+        net.initial.push_back(tirer(h, 5));
+        ++net.places;
+        for (Net::Transition& t : net.transitions) {
+            const int change = (t.post[modele] - t.pre[modele]) * facteur;
+            t.pre.push_back(std::max(0, -change) + (besoins > 0 && tirer(h, besoins) == 0 ? tirer(h, 4) : 0));
+            t.post.push_back(t.pre.back() + change);
+        }
+    }
+    for (int n = tirer(h, 3); n > 0 && !net.transitions.empty(); --n) {
+        Net::Transition t = net.transitions[h() % net.transitions.size()];
+        for (std::size_t p = 0; p < t.pre.size(); ++p) {
+            const int plus = tirer(h, 3) == 0 ? 1 + tirer(h, 2) : 0;
+            t.pre[p] += plus;
+            t.post[p] = std::max(0, t.post[p] + tirer(h, plus + 1) - (tirer(h, 4) == 0 ? 1 : 0));
+        }
+        net.transitions.insert(net.transitions.begin() + tirer(h, static_cast<int>(net.transitions.size()) + 1), t);
+    }
+    return net;
+}
+
 Net netDeReseauAuHasard(Hasard& h) {
     const int noeuds = 1 + tirer(h, 3);
     const int molecules = 1 + tirer(h, 3);

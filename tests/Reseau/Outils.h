@@ -35,6 +35,10 @@ inline int tirer(Hasard& h, int n) { return static_cast<int>(h() % static_cast<s
 /// isolated places, each with and without the others.
 Net netAuHasard(Hasard& h);
 
+/// Such a net with places whose changes are multiples of those of others, with needs of their own, and with transitions
+/// that do less than others or need more.
+Net netRedondantAuHasard(Hasard& h);
+
 /// A random net of the shape of the editor's translations: one control token, molecule counters.
 Net netDeReseauAuHasard(Hasard& h);
 
