@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <fstream>
 #include <iostream>
 #include <new>
@@ -52,12 +53,18 @@ int echec(const std::string& message) {
     return STATUT_ERREUR;
 }
 
-extern "C" void interrompre(int signal) {
-    const char message[] = "tina: interrupted\n";
+/// Ends the program with a message, and needs no memory for it.
+template <std::size_t N>
+[[noreturn]] void finir(const char (&message)[N], int statut) {
     // There is nothing to do about a message that cannot be written.
-    if (write(STDERR_FILENO, message, sizeof message - 1) < 0) _exit(128 + signal);
-    _exit(128 + signal);
+    if (write(STDERR_FILENO, message, N - 1) < 0) _exit(statut);
+    _exit(statut);
 }
+
+extern "C" void interrompre(int signal) { finir("tina: interrupted\n", 128 + signal); }
+
+/// Every exception is caught. One that is not could not be thrown, since there was no memory for it.
+[[noreturn]] void manquer() { finir("tina: out of memory\n", STATUT_ERREUR); }
 
 /// Memory is granted on credit and the one who cannot pay is killed without a word, which a reader of the
 /// report would take for an answer. So the address space is limited to what the machine has, and running out
@@ -124,12 +131,13 @@ Commande lireCommande(int argc, char** argv, std::optional<int>& statut) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::set_terminate(manquer);
     std::signal(SIGINT, interrompre);
     std::signal(SIGTERM, interrompre);
     std::signal(SIGPIPE, SIG_IGN);
     limiterMemoire();
-    std::ios::sync_with_stdio(false);
     try {
+        std::ios::sync_with_stdio(false);
         std::optional<int> statut;
         const Commande commande = lireCommande(argc, argv, statut);
         return statut ? *statut : analyser(commande);

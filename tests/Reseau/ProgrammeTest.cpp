@@ -11,6 +11,7 @@
 #include <csignal>
 #include <filesystem>
 #include <iterator>
+#include <map>
 #include <sstream>
 #include <string>
 #include <system_error>
@@ -303,6 +304,28 @@ TEST(Programme, OutOfMemoryWhileReadingIsAnError) {
     std::ostringstream net;
     for (int i = 0; i < 300'000; ++i) net << "tr t" << i << " p" << i << " -> p" << i + 1 << '\n';
     erreurSans(lancer("-C -g", net.str(), "ulimit -v 60000; "), "out of memory");
+}
+
+/// However little there is, down to where the program cannot be loaded: the report is whole, or there is a message.
+TEST(Programme, OutOfMemoryFromTheStartIsAnError) {
+    std::ostringstream kanban;
+    familles::ecrire(kanban, std::ranges::find(familles::toutes(), "kanban", &familles::Famille::nom)->net(100));
+    for (const std::string& net : {CROISSANT, kanban.str()}) {
+        const std::string entier = lancer("-C -v", net).sortie;
+        std::map<int, int> statuts;
+        for (int limite = 5000; limite <= 10'000; limite += 20) {
+            const Resultat r = lancer("-C -v", net, "ulimit -c 0; ulimit -v " + std::to_string(limite) + "; ");
+            ++statuts[r.statut];
+            if (r.statut == 0)
+                EXPECT_EQ(r.sortie, entier) << "within " << limite << " KiB";
+            else if (r.statut == 2)
+                erreurSans(r, "out of memory");
+            else
+                EXPECT_EQ(r.statut, 127) << "within " << limite << " KiB: " << r.erreurs;
+        }
+        EXPECT_GT(statuts[0], 0);
+        EXPECT_GT(statuts[2], 0);
+    }
 }
 
 /// Whatever the limit, the report is whole or there is none.
