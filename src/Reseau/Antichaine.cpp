@@ -59,7 +59,7 @@ void Antichaine::retirer(const Mot* m) {
                 ++restent;
             }
             taille_ -= l.taille() - restent;
-            if (restent < l.taille()) l.raccourcir(restent, octets);
+            if (restent < l.taille()) l.raccourcir(restent, octets, GRAIN);
         } else {
             pile_.push_back(b.suite);
             if (franchit(b, m)) pile_.push_back(b.suite + 1);
@@ -101,7 +101,7 @@ std::uint32_t Antichaine::sousLaBranche(std::uint32_t branche, const Mot* m) {
         if (b.place == FEUILLE) break;
         branche = vers(b, m);
     }
-    champs_->ranger(m, feuilles_[branches_[branche].suite].allonger(champs_->octets()));
+    champs_->ranger(m, feuilles_[branches_[branche].suite].allonger(champs_->octets(), GRAIN));
     return branche;
 }
 

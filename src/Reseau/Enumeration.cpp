@@ -51,8 +51,9 @@ void Enumeration::executer(unsigned n, const std::function<void(unsigned)>& trav
 }
 
 std::uint64_t Enumeration::avancer(std::uint64_t limite) {
-    const std::uint64_t nombre = std::min({attente_.taille(), limite, LOT, developpes_ / 8 + 1});
-    const unsigned n = convier(nombre >= SEUL);
+    const std::uint64_t lot = std::clamp(developpes_ / PART, std::min(LOT_MOINDRE, developpes_ / 8 + 1), LOT);
+    const std::uint64_t nombre = std::min({attente_.taille(), limite, lot});
+    const unsigned n = convier(nombre >= SEUL && developpes_ >= TOT);
     prendre(nombre);
     while (true) {
         executer(n, [&](unsigned i) { developper(tranches_[i], nombre * i / n, nombre * (i + 1) / n); });

@@ -55,9 +55,14 @@ public:
 
 private:
     static constexpr unsigned SECTIONS = 16;
-    static constexpr std::uint64_t LOT = 2048;      // markings of a batch at most
+    // Markings of a batch: one in so many expanded, so that it takes little memory beside them; but these at least (an
+    // eighth of those expanded, to begin with) and these at most.
+    static constexpr std::uint64_t PART = 256;
+    static constexpr std::uint64_t LOT_MOINDRE = 512;
+    static constexpr std::uint64_t LOT = 2048;
     static constexpr std::uint64_t PROFOND = 4096;  // markings expanded until it goes wide
-    static constexpr std::uint64_t SEUL = 256;      // a batch below is not worth waking threads
+    static constexpr std::uint64_t SEUL = 256;      // a batch below is not worth waking threads,
+    static constexpr std::uint64_t TOT = 16384;     // nor is it before so many have been expanded: each takes memory
 
     /// What one thread makes of its slice of the batch.
     struct Tranche {
