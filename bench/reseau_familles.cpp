@@ -263,6 +263,69 @@ Reseau::Net caches(int n) {
     return c.finir();
 }
 
+/// n philosophers at a table, who take the left fork first. E. W. Dijkstra, "Hierarchical ordering of sequential
+/// processes" (1971).
+Reseau::Net philosophes(int n) {
+    Chantier c;
+    for (int i = 0; i < n; ++i) {
+        const std::string gauche = nom("fourchette", i);
+        const std::string droite = nom("fourchette", (i + 1) % n);
+        c.tr(nom("pense", i) + " " + gauche, nom("attend", i));
+        c.tr(nom("attend", i) + " " + droite, nom("mange", i));
+        c.tr(nom("mange", i), nom("pense", i) + " " + gauche + " " + droite);
+        c.pl(nom("pense", i), 1);
+        c.pl(gauche, 1);
+    }
+    return c.finir();
+}
+
+/// n stations in a ring; the one that has the token works, if it wants to, and hands it on.
+Reseau::Net jetonTournant(int n) {
+    Chantier c;
+    for (int i = 0; i < n; ++i) {
+        const std::string repos = nom("repos", i);
+        const std::string suivant = nom("jeton", (i + 1) % n);
+        c.tr(repos, nom("veut", i));
+        c.tr(nom("veut", i) + " " + nom("jeton", i), nom("travaille", i));
+        c.tr(nom("travaille", i), repos + " " + suivant);
+        c.tr(repos + " " + nom("jeton", i), repos + " " + suivant);
+        c.pl(repos, 1);
+    }
+    c.pl("jeton0", 1);
+    return c.finir();
+}
+
+/// n buffers of three places each in a row.
+Reseau::Net chaine(int n) {
+    Chantier c;
+    for (int i = 0; i < n; ++i) {
+        c.tr(i == 0 ? "vide0" : nom("plein", i - 1) + " " + nom("vide", i),
+             i == 0 ? "plein0" : nom("vide", i - 1) + " " + nom("plein", i));
+        c.pl(nom("vide", i), 3);
+    }
+    c.tr(nom("plein", n - 1), nom("vide", n - 1));
+    return c.finir();
+}
+
+/// n machines in a tree, each of which takes what its two suppliers have made; the last one's products are counted.
+Reseau::Net assemblage(int n) {
+    Chantier c;
+    for (int i = 0; i < n; ++i) {
+        std::string pris = nom("libre", i);
+        std::string rendu = nom("travaille", i);
+        for (const int j : {2 * i + 1, 2 * i + 2})
+            if (j < n) {
+                pris += " " + nom("produit", j);
+                rendu += " " + nom("libre", j);
+            }
+        c.tr(pris, rendu);
+        c.tr(nom("travaille", i), nom("produit", i));
+        c.pl(nom("libre", i), 1);
+    }
+    c.tr("produit0", "libre0 livre");
+    return c.finir();
+}
+
 /// A model whose rules put later kinds, with `jetons` molecules of each kind that is present at the start.
 template <int NOEUDS, int MOLECULES>
 Reseau::Net modele(int jetons) {
@@ -370,15 +433,19 @@ const std::vector<Famille>& toutes() {
     static const std::vector<Famille> liste{
         {"kanban", kanban, {1, 2, 3, 4, 100, 1'000'000}},
         {"fms", fms, {1, 2, 3, 100, 1'000'000}},
-        {"mutual exclusion", exclusion, {2, 5, 10, 100}},
+        {"mutual exclusion", exclusion, {2, 5, 10, 100, 1000}},
         {"readers-writers", lecteurs, {2, 10, 50, 1'000'000}},
-        {"mesh", maille, {2, 3, 4, 10}},
+        {"mesh", maille, {2, 3, 4, 10, 45}},
         {"swimming pool", piscine, {1, 5, 20, 100'000}},
         {"buffers", tampons, {5, 20, 100, 1000}},
         {"n-bit counter", compteur, {2, 4, 8, 12}},
         {"threads", programme, {10, 100, 1000}},
         {"calls", appels, {100, 1000}},
         {"caches", caches, {2, 4, 8}},
+        {"philosophers", philosophes, {2, 10, 1000}},
+        {"token ring", jetonTournant, {2, 10, 1000}},
+        {"pipeline", chaine, {2, 10, 1000}},
+        {"assembly", assemblage, {3, 15, 1023}},
         {"random", hasard<0>, {15, 25, 35, 45, 55, 65, 75, 85, 95}},
         {"random, seed 1", hasard<1>, {15, 25, 35, 45, 55, 65, 75, 85, 95}},
         {"random, seed 2", hasard<2>, {15, 25, 35, 45, 55, 65, 75, 85, 95}},

@@ -7,26 +7,32 @@ namespace Reseau {
 namespace {
 
 constexpr std::uint64_t TRAVAIL = 200'000;  // arcs followed for one place
+constexpr Compte PESANT = 1000;             // no token weighs more
 
 }  // namespace
 
 Composantes::Composantes(const Net& net)
-    : net_(net), arcs_(net.places.size()), dedans_(net.places.size(), false), gains_(net.transitions.size(), 0) {
+    : net_(net), arcs_(net.places.size()), poids_(net.places.size(), 0), gains_(net.transitions.size(), 0) {
     for (std::uint32_t t = 0; t < net.transitions.size(); ++t)
         for (const Poids& e : net.transitions[t].effet) arcs_[e.place].push_back({t, e.compte});
 }
 
-std::optional<std::vector<std::uint32_t>> Composantes::chercher(std::uint32_t place, const std::vector<Compte>& vus,
-                                                                std::uint64_t& travail) {
+std::optional<Creux> Composantes::chercher(std::uint32_t place, Compte borne, const std::vector<Compte>& vus,
+                                           std::uint64_t& travail) {
     const std::uint64_t accorde = std::min(travail, TRAVAIL);
     travail_ = accorde;
-    borne_ = vus[place];
-    ajouter(place);
-    std::optional<std::vector<std::uint32_t>> resultat;
-    if (jetons_ <= borne_ && completer(vus, 0)) resultat = ensemble_;
+    place_ = place;
+    borne_ = borne;
+    ajouter({place, 1});
+    std::optional<Creux> resultat;
+    if (jetons_ <= borne_ && completer(vus, 0)) {
+        resultat.emplace();
+        for (const Poids& p : ajouts_) resultat->push_back({p.place, poids_[p.place]});
+        std::ranges::sort(*resultat, {}, &Poids::place);
+        resultat->erase(std::unique(resultat->begin(), resultat->end()), resultat->end());
+    }
     travail -= accorde - travail_;
     revenir(0);
-    if (resultat) std::ranges::sort(*resultat);
     return resultat;
 }
 
@@ -35,8 +41,8 @@ bool Composantes::completer(const std::vector<Compte>& vus, std::size_t premiere
     if (!propager(vus)) return false;
     while (premiere < gagnantes_.size() && gains_[gagnantes_[premiere]] <= 0) ++premiere;
     if (premiere == gagnantes_.size()) return true;
-    for (const std::uint32_t p : candidates(gagnantes_[premiere], vus)) {
-        const std::size_t taille = ensemble_.size();
+    for (const Poids& p : candidates(gagnantes_[premiere], vus)) {
+        const std::size_t taille = ajouts_.size();
         const std::size_t gagnantes = gagnantes_.size();
         ajouter(p);
         if (completer(vus, premiere)) return true;
@@ -53,7 +59,7 @@ bool Composantes::completer(const std::vector<Compte>& vus, std::size_t premiere
 bool Composantes::propager(const std::vector<Compte>& vus) {
     for (; vues_ < gagnantes_.size(); ++vues_)
         while (gains_[gagnantes_[vues_]] > 0) {
-            const std::vector<std::uint32_t> possibles = candidates(gagnantes_[vues_], vus);
+            const std::vector<Poids> possibles = candidates(gagnantes_[vues_], vus);
             if (possibles.empty() || travail_ == 0) return false;
             if (possibles.size() > 1) break;
             ajouter(possibles.front());
@@ -61,36 +67,52 @@ bool Composantes::propager(const std::vector<Compte>& vus) {
     return true;
 }
 
-/// The places that `transition` takes from and that can come in, those with the fewest tokens first.
-std::vector<std::uint32_t> Composantes::candidates(std::uint32_t transition, const std::vector<Compte>& vus) const {
-    std::vector<std::uint32_t> places;
-    for (const Poids& e : net_.transitions[transition].effet)
-        if (e.compte < 0 && !dedans_[e.place] && vus[e.place] <= borne_ && net_.initial[e.place] <= borne_ - jetons_)
-            places.push_back(e.place);
-    std::ranges::stable_sort(places, {}, [this](std::uint32_t p) { return net_.initial[p]; });
-    return places;
+/// The places that `transition` takes from and that can come in, with the weights that make it add no more, those with
+/// the fewest tokens first. Where there is none, those that are in already and can weigh more.
+std::vector<Poids> Composantes::candidates(std::uint32_t transition, const std::vector<Compte>& vus) const {
+    std::vector<Poids> neuves;
+    std::vector<Poids> anciennes;
+    for (const Poids& e : net_.transitions[transition].effet) {
+        if (e.compte > 0) continue;
+        const Large poids = (gains_[transition] - 1) / -static_cast<Large>(e.compte) + 1;
+        if (poids + poids_[e.place] > PESANT) continue;
+        const Poids p{e.place, static_cast<Compte>(poids)};
+        if (admissible(p, vus)) (poids_[e.place] == 0 ? neuves : anciennes).push_back(p);
+    }
+    if (neuves.empty()) return anciennes;
+    std::ranges::stable_sort(neuves, {}, [this](const Poids& p) { return net_.initial[p.place]; });
+    return neuves;
 }
 
-void Composantes::ajouter(std::uint32_t place) {
-    dedans_[place] = true;
-    ensemble_.push_back(place);
-    jetons_ += net_.initial[place];
-    travail_ -= std::min<std::uint64_t>(travail_, arcs_[place].size());
-    for (const Arc& a : arcs_[place]) {
+/// Whether the set, with what comes in, still bounds the place that it is looked for as it should, as far as can be
+/// told.
+bool Composantes::admissible(const Poids& p, const std::vector<Compte>& vus) const {
+    const Large poids = static_cast<Large>(poids_[p.place]) + p.compte;
+    const Large capacite = this->capacite(p.place == place_ ? poids : poids_[place_]);
+    return poids * vus[p.place] <= capacite &&
+           static_cast<Large>(p.compte) * net_.initial[p.place] <= capacite - jetons_;
+}
+
+void Composantes::ajouter(const Poids& p) {
+    poids_[p.place] += p.compte;
+    ajouts_.push_back(p);
+    jetons_ += static_cast<Large>(p.compte) * net_.initial[p.place];
+    travail_ -= std::min<std::uint64_t>(travail_, arcs_[p.place].size());
+    for (const Arc& a : arcs_[p.place]) {
         const bool gagnait = gains_[a.transition] > 0;
-        gains_[a.transition] += a.effet;
+        gains_[a.transition] += static_cast<Large>(p.compte) * a.effet;
         if (!gagnait && gains_[a.transition] > 0) gagnantes_.push_back(a.transition);
     }
 }
 
-/// Takes out the last places until `taille` are left.
+/// Takes out what came in last until `taille` are left.
 void Composantes::revenir(std::size_t taille) {
-    while (ensemble_.size() > taille) {
-        const std::uint32_t p = ensemble_.back();
-        ensemble_.pop_back();
-        dedans_[p] = false;
-        jetons_ -= net_.initial[p];
-        for (const Arc& a : arcs_[p]) gains_[a.transition] -= a.effet;
+    while (ajouts_.size() > taille) {
+        const Poids p = ajouts_.back();
+        ajouts_.pop_back();
+        poids_[p.place] -= p.compte;
+        jetons_ -= static_cast<Large>(p.compte) * net_.initial[p.place];
+        for (const Arc& a : arcs_[p.place]) gains_[a.transition] -= static_cast<Large>(p.compte) * a.effet;
     }
     if (taille == 0) {
         gagnantes_.clear();

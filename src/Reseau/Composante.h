@@ -4,8 +4,9 @@
 //
 // A set grows from one place: a transition that adds to it must take from a place of the set, too. Where only one of
 // its places can be that one, it comes in; where there are several, one after the other is tried. No place comes in
-// that has been seen with more tokens than the set may hold. Source: the state machine components of M. Hack, "Analysis
-// of production schemata by Petri nets" (1972).
+// that has been seen with more tokens than the set may hold. A token of a place weighs as much as it must, which is one
+// in most nets: it weighs more where what a transition puts at once is taken one by one. Source: the state machine
+// components of M. Hack, "Analysis of production schemata by Petri nets" (1972).
 #pragma once
 
 #include <cstdint>
@@ -21,12 +22,12 @@ public:
     /// @param net must outlive it
     explicit Composantes(const Net& net);
 
-    /// Looks for a set with `place` that holds no more than `vus[place]` tokens at the start. It may miss one.
+    /// Looks for a set that bounds `place` by `borne`. It may miss one.
     /// @param vus the largest count known to be reached, by place
     /// @param travail how many arcs may still be followed
-    /// @return its places, ascending
-    std::optional<std::vector<std::uint32_t>> chercher(std::uint32_t place, const std::vector<Compte>& vus,
-                                                       std::uint64_t& travail);
+    /// @return its places, ascending, with their weights
+    std::optional<Creux> chercher(std::uint32_t place, Compte borne, const std::vector<Compte>& vus,
+                                  std::uint64_t& travail);
 
 private:
     struct Arc {
@@ -36,18 +37,21 @@ private:
 
     bool completer(const std::vector<Compte>& vus, std::size_t premiere);
     bool propager(const std::vector<Compte>& vus);
-    std::vector<std::uint32_t> candidates(std::uint32_t transition, const std::vector<Compte>& vus) const;
-    void ajouter(std::uint32_t place);
+    std::vector<Poids> candidates(std::uint32_t transition, const std::vector<Compte>& vus) const;
+    bool admissible(const Poids& p, const std::vector<Compte>& vus) const;
+    Large capacite(Large poids) const { return poids * (static_cast<Large>(borne_) + 1) - 1; }
+    void ajouter(const Poids& p);
     void revenir(std::size_t taille);
 
     const Net& net_;
     std::vector<std::vector<Arc>> arcs_;  // by place
     // The set under way; empty between calls.
-    std::vector<std::uint32_t> ensemble_;
-    std::vector<bool> dedans_;
+    std::vector<Poids> ajouts_;             // weights, in the order in which they came in
+    std::vector<Compte> poids_;             // by place
     std::vector<Large> gains_;              // by transition
     std::vector<std::uint32_t> gagnantes_;  // transitions that have come to add to the set
     std::size_t vues_ = 0;                  // of them
+    std::uint32_t place_ = 0;
     Compte borne_ = 0;
     Large jetons_ = 0;
     std::uint64_t travail_ = 0;

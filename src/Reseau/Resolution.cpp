@@ -21,6 +21,8 @@ constexpr unsigned TOURS = 8;        // of taking turns; no net is complete afte
 constexpr unsigned CROISSANCE = 3;   // powers of two by which a turn of the exploration is longer than the one before:
                                      // it may then cost about as much as the state equation's next one
 constexpr std::uint64_t COMPOSANTES = 4'000'000;  // arcs followed in one turn
+constexpr std::uint64_t COMPOSANTE = 20'000;      // and for one place on a visit
+constexpr std::uint64_t VISITES = 20'000;         // arcs looked at for each place in the first turn
 constexpr std::uint64_t QUESTIONS = 8;  // that may use up all their effort before the exploration has its turn
 constexpr Large TOUT = static_cast<Large>(1) << 125;  // any finite bound is good enough
 
@@ -42,6 +44,13 @@ Majoration pour(std::uint32_t place, const std::vector<std::uint32_t>& places, c
     return seule;
 }
 
+/// What the places hold at the start, by weight.
+Large poidsInitial(const Net& net, const Creux& poids) {
+    Large total = 0;
+    for (const Poids& p : poids) total += static_cast<Large>(p.compte) * net.initial[p.place];
+    return total;
+}
+
 }  // namespace
 
 void Resolution::essayer(const Options& options) {
@@ -56,13 +65,15 @@ void Resolution::finir(const Options& options) {
     const std::uint64_t premier = std::max(options.essai, MINIMUM);
     const bool presqueFinie = couverture.enAttente() * PEU <= couverture.explores();
     if (presqueFinie && couverture.explorer(premier * SURSIS, options.verdictSeul)) return;
+    if (options.verdictSeul && !couverture.nonBornee() && majorerEnsembleParComposantes()) return;
     if (Majorants::possible(net_)) majorants.emplace(net_);
     if (!options.verdictSeul) abondance.emplace(net_);
     for (unsigned tour = 0; tour < TOURS; ++tour) {
-        if (!options.verdictSeul) {
-            if (majorerParComposantes(options.preuves)) return;
-            if (majorerParAbondance(premier << tour)) return;
-        }
+        majorerParComposantes(options.preuves);
+        if (!options.verdictSeul && viser()) return;
+        visiter(tour, options.preuves);
+        if (options.verdictSeul ? !bornee() : viser()) return;
+        if (!options.verdictSeul && majorerParAbondance(premier << tour)) return;
         if (majorants && tour < EFFORTS) {
             if (options.verdictSeul ? majorerEnsemble(tour) : majorer(tour)) return;
             if (options.verdictSeul && !bornee()) return;
@@ -105,16 +116,13 @@ bool Resolution::viser() {
 
 /// Settles places by sets whose tokens never become more; one serves all its places that have been seen with all of
 /// them. The places that have not been seen marked come last: they are many, and few of them stand in an empty set.
-/// @return as `majorer`
-bool Resolution::majorerParComposantes(bool preuves) {
+void Resolution::majorerParComposantes(bool preuves) {
     std::vector<Compte> vus(net_.places.size());
     for (std::uint32_t p = 0; p < vus.size(); ++p) vus[p] = borne(p);
     std::uint64_t travail = COMPOSANTES;
     for (const bool vides : {false, true})
         for (std::uint32_t p = 0; p < vus.size(); ++p)
-            if ((vus[p] == 0) == vides && !reglee(p))
-                if (const auto places = composantes_.chercher(p, vus, travail)) regler(*places, vus[p], preuves);
-    return viser();
+            if ((vus[p] == 0) == vides && !reglee(p)) chercherComposante(p, vus, travail, preuves);
 }
 
 /// Settles places that stay small while others are taken for unbounded.
@@ -136,19 +144,68 @@ bool Resolution::majorerParAbondance(std::uint64_t limite) {
     return viser();
 }
 
-/// Settles the places of a set which have been seen with all of its tokens.
-void Resolution::regler(const std::vector<std::uint32_t>& composante, Compte jetons, bool preuves) {
-    for (const std::uint32_t p : composante) {
-        if (borne(p) != jetons || reglee(p)) continue;
-        majorations[p] = Majoration{jetons, {}};
+/// Goes to the places that are not settled, and settles by a set what has been seen with all of its tokens.
+void Resolution::visiter(unsigned tour, bool preuves) {
+    std::vector<Compte> vus(net_.places.size());
+    for (std::uint32_t p = 0; p < vus.size(); ++p) vus[p] = borne(p);
+    std::uint64_t travail = COMPOSANTES;
+    const auto but = [&](std::uint32_t p) {
+        if (abondance && abondance->majorants()[p] == vus[p]) return false;
+        if (majorations[p]) return majorations[p]->borne > vus[p];
+        std::uint64_t part = std::min(travail, COMPOSANTE);
+        travail -= part;
+        const bool trouvee = vus[p] > net_.initial[p] && chercherComposante(p, vus, part, preuves);
+        travail += part;
+        return !trouvee;
+    };
+    visites_.aller(vus, but, tireur, (VISITES * net_.places.size()) << tour);
+}
+
+/// Looks for a set that settles a place.
+bool Resolution::chercherComposante(std::uint32_t place, const std::vector<Compte>& vus, std::uint64_t& travail,
+                                    bool preuves) {
+    const auto composante = composantes_.chercher(place, vus[place], vus, travail);
+    if (composante) regler(*composante, preuves);
+    return composante.has_value();
+}
+
+/// Bounds the places of a set by all of its tokens, which settles those that have been seen with as many.
+void Resolution::regler(const Creux& composante, bool preuves) {
+    const Large jetons = poidsInitial(net_, composante);
+    for (const Poids& p : composante) {
+        if (majorations[p.place] && majorations[p.place]->borne <= jetons / p.compte) continue;
+        majorations[p.place] = Majoration{jetons / p.compte, {}};
         if (!preuves) continue;  // a set of thousands of places is not written down for each of them
         Cas cas;
-        cas.facteur = 1;
+        cas.facteur = p.compte;
         cas.total = jetons;
-        for (const std::uint32_t autre : composante)
-            if (autre != p) cas.multiplicateurs.emplace_back(autre, 1);
-        majorations[p]->preuve.push_back(std::move(cas));
+        for (const Poids& autre : composante)
+            if (autre.place != p.place) cas.multiplicateurs.emplace_back(autre.place, autre.compte);
+        majorations[p.place]->preuve.push_back(std::move(cas));
     }
+}
+
+/// Bounds all places together by sets that cover them all.
+/// @return whether there are such sets
+bool Resolution::majorerEnsembleParComposantes() {
+    const std::vector<Compte>& vus = couverture.maxima();
+    std::vector<Compte> poids(net_.places.size(), 0);
+    std::uint64_t travail = COMPOSANTES;
+    Cas cas;
+    cas.facteur = 1;
+    for (std::uint32_t p = 0; p < poids.size(); ++p) {
+        if (poids[p] > 0) continue;
+        auto composante = composantes_.chercher(p, std::max<Compte>(vus[p], 1), vus, travail);  // the fewest choices
+        if (!composante) composante = composantes_.chercher(p, OMEGA - 1, vus, travail);
+        if (!composante) return false;
+        cas.total += poidsInitial(net_, *composante);
+        for (const Poids& q : *composante) poids[q.place] += q.compte;
+    }
+    for (std::uint32_t p = 0; p < poids.size(); ++p)
+        if (poids[p] > 1) cas.multiplicateurs.emplace_back(p, poids[p] - 1);
+    ensemble = Majoration{cas.total, {}};
+    ensemble->preuve.push_back(std::move(cas));
+    return true;
 }
 
 /// The places of the control token that it has not been seen in: while there is a run to any of them, it is looked for;

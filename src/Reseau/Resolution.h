@@ -22,6 +22,7 @@
 #include "Reseau/Net.h"
 #include "Reseau/Reseau.h"
 #include "Reseau/Tir.h"
+#include "Reseau/Visite.h"
 
 namespace Reseau {
 
@@ -29,7 +30,8 @@ class Resolution {
 public:
     /// @param net must outlive it
     /// @param fils see Options
-    Resolution(const Net& net, unsigned fils) : couverture(net, fils), tireur(net), net_(net), composantes_(net) {}
+    Resolution(const Net& net, unsigned fils)
+        : couverture(net, fils), tireur(net), net_(net), composantes_(net), visites_(net) {}
 
     /// The short exploration.
     /// @throws Debordement, std::bad_alloc
@@ -65,8 +67,11 @@ public:
 private:
     bool reglee(std::uint32_t place) const;
     bool viser();
-    bool majorerParComposantes(bool preuves);
-    void regler(const std::vector<std::uint32_t>& composante, Compte jetons, bool preuves);
+    void majorerParComposantes(bool preuves);
+    void visiter(unsigned tour, bool preuves);
+    bool chercherComposante(std::uint32_t place, const std::vector<Compte>& vus, std::uint64_t& travail, bool preuves);
+    void regler(const Creux& composante, bool preuves);
+    bool majorerEnsembleParComposantes();
     bool majorerParAbondance(std::uint64_t limite);
     bool majorer(unsigned effort);
     void majorerJeton(unsigned effort, std::uint64_t& depense);
@@ -74,6 +79,7 @@ private:
 
     const Net& net_;
     Composantes composantes_;
+    Visites visites_;
     bool fini_ = false;
     std::vector<unsigned> questions_;  // put to the state equation, by place
 };

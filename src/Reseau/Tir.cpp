@@ -279,7 +279,7 @@ void Tireur::pomper() {
     }
     const std::vector<Compte>& fin = marquages.back();
     for (std::size_t i = run.size(); i-- > 0;) {
-        Pompe pompe{numero, i, {}, {}};
+        Pompe pompe{numero, i, run.size(), {}, {}};
         bool couverte = true;
         for (std::uint32_t p = 0; p < fin.size() && couverte; ++p) {
             couverte = marquages[i][p] <= fin[p];
@@ -294,6 +294,24 @@ void Tireur::pomper() {
         }
         pompes_.push_back(std::move(pompe));
     }
+}
+
+void Tireur::pomper(std::size_t debut, std::size_t fin) {
+    const std::size_t numero = courses_.size() - 1;
+    Pompe pompe{numero, debut, fin, {}, {}};
+    std::vector<Compte> m = net_.initial;
+    for (std::size_t i = 0; i < debut; ++i) parcourir(net_, courses_[numero][i], m);
+    const std::vector<Compte> avant = m;
+    for (std::size_t i = debut; i < fin; ++i) parcourir(net_, courses_[numero][i], m);
+    for (std::uint32_t p = 0; p < m.size(); ++p) {
+        if (avant[p] > 0) pompe.besoin.push_back({p, avant[p]});
+        if (avant[p] == m[p]) continue;
+        pompe.monte.push_back(p);
+        if (minorants_[p] == OMEGA) continue;
+        minorants_[p] = OMEGA;
+        origines_[p] = {numero, fin, pompes_.size()};
+    }
+    pompes_.push_back(std::move(pompe));
 }
 
 void Tireur::depasser(const Depassement& depassement) {
@@ -353,8 +371,8 @@ Course Tireur::course(std::uint32_t place) const {
 }
 
 Course Tireur::cycle(const Pompe& pompe) const {
-    const Course& entiere = courses_[pompe.course];
-    return {entiere.begin() + static_cast<std::ptrdiff_t>(pompe.debut), entiere.end()};
+    const auto debut = courses_[pompe.course].begin();
+    return {debut + static_cast<std::ptrdiff_t>(pompe.debut), debut + static_cast<std::ptrdiff_t>(pompe.fin)};
 }
 
 Course Tireur::tige(const Pompe& pompe) const {

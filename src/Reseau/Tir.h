@@ -39,10 +39,13 @@ public:
     const std::vector<Compte>& minorants() const { return minorants_; }
     /// Looks for pumps in the last run that has reached something new.
     void pomper();
-    /// The end of a run that takes nothing and adds something, so that it can be repeated for ever.
+    /// Takes over a pump in that run: its blocks from `debut` to before `fin`.
+    void pomper(std::size_t debut, std::size_t fin);
+    /// A part of a run that takes nothing and adds something, so that it can be repeated for ever.
     struct Pompe {
         std::size_t course;
         std::size_t debut;                 // the first of its blocks
+        std::size_t fin;                   // the one behind the last
         Creux besoin;                      // what it is gone through from
         std::vector<std::uint32_t> monte;  // the places that it raises
     };

@@ -11,6 +11,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "Outils.h"
@@ -327,14 +328,14 @@ TEST(ComposantesTest, ALockIsASetOfItsOwnAndWhatHasNoSetIsLeftAlone) {
     vus[place("attend")] = OMEGA;
     Reseau::Composantes composantes(lu);
     std::uint64_t travail = 1000;
-    std::vector<std::uint32_t> attendu{place("libre7"), place("tient7")};
-    std::ranges::sort(attendu);
-    EXPECT_EQ(composantes.chercher(place("tient7"), vus, travail), attendu);
-    EXPECT_EQ(composantes.chercher(place("libre7"), vus, travail), attendu);
+    Reseau::Creux attendu{{place("libre7"), 1}, {place("tient7"), 1}};
+    std::ranges::sort(attendu, {}, &Reseau::Poids::place);
+    EXPECT_EQ(composantes.chercher(place("tient7"), 1, vus, travail), attendu);
+    EXPECT_EQ(composantes.chercher(place("libre7"), 1, vus, travail), attendu);
     vus[place("attend")] = 1;
-    EXPECT_EQ(composantes.chercher(place("attend"), vus, travail), std::nullopt);
+    EXPECT_EQ(composantes.chercher(place("attend"), 1, vus, travail), std::nullopt);
     travail = 0;
-    EXPECT_EQ(composantes.chercher(place("libre7"), vus, travail), std::nullopt);
+    EXPECT_EQ(composantes.chercher(place("libre7"), 1, vus, travail), std::nullopt);
 }
 
 /// Where a transition may take from either of two places, only one of them leads to a set.
@@ -344,8 +345,47 @@ TEST(ComposantesTest, EveryPlaceThatATransitionTakesFromIsTried) {
     Reseau::Composantes composantes(lu);
     std::uint64_t travail = 1000;
     EXPECT_THAT(lu.places, testing::ElementsAre("x", "y", "p", "q"));
-    EXPECT_EQ(composantes.chercher(2, {1, 1, 1, 1}, travail), (std::vector<std::uint32_t>{1, 2, 3}));
-    EXPECT_EQ(composantes.chercher(2, {1, OMEGA, 1, 1}, travail), std::nullopt);
+    EXPECT_EQ(composantes.chercher(2, 1, {1, 1, 1, 1}, travail), (Reseau::Creux{{1, 1}, {2, 1}, {3, 1}}));
+    EXPECT_EQ(composantes.chercher(2, 1, {1, OMEGA, 1, 1}, travail), std::nullopt);
+}
+
+/// Three readers or one writer: who writes holds three permits.
+TEST(ComposantesTest, ATokenWeighsAsMuchAsItMust) {
+    std::istringstream texte(
+        "tr a permis -> lit\ntr b lit -> permis\ntr c permis*3 -> ecrit\ntr d ecrit -> permis*3\n"
+        "tr e lit*2 -> perdu*7\npl permis (3)\n");
+    const Reseau::Net lu = Reseau::lire(texte, "essai");
+    Reseau::Composantes composantes(lu);
+    std::uint64_t travail = 1000;
+    EXPECT_THAT(lu.places, testing::ElementsAre("permis", "lit", "ecrit", "perdu"));
+    EXPECT_EQ(composantes.chercher(0, 3, {3, 3, 1, 7}, travail), (Reseau::Creux{{0, 1}, {1, 1}, {2, 3}}));
+    EXPECT_EQ(composantes.chercher(1, 3, {3, 3, 2, 7}, travail), std::nullopt);
+    const auto perdu = composantes.chercher(3, 12, {3, 3, 1, 7}, travail);
+    ASSERT_TRUE(perdu);
+    EXPECT_EQ(*perdu, (Reseau::Creux{{0, 4}, {1, 4}, {2, 12}, {3, 1}}));
+}
+
+/// Of nets of thousands of places, the exploration sees a corner; the rest is walked to and settled by sets.
+TEST(VisitesTest, LargeNetsOfSmallPartsAreAnsweredWithoutExploringThem) {
+    const std::vector<std::tuple<std::string, int, bool, Compte>> nets{
+        {"philosophers", 300, true, 1}, {"token ring", 200, true, 1},        {"pipeline", 300, true, 3},
+        {"mesh", 12, true, 2},          {"mutual exclusion", 200, false, 1}, {"assembly", 255, false, 1}};
+    for (const auto& [nom, n, bornee, plus] : nets) {
+        const Reseau::Net net = std::ranges::find(familles::toutes(), nom, &familles::Famille::nom)->net(n);
+        const Reseau::Rapport rapport = Reseau::analyser(net, {});
+        EXPECT_EQ(rapport.bornee, bornee) << nom;
+        EXPECT_LE(rapport.explores, 1000U) << nom;
+        std::size_t infinies = 0;
+        for (std::size_t p = 0; p < net.places.size(); ++p) {
+            EXPECT_GE(rapport.bornes[p], 1) << nom << ": " << net.places[p];
+            if (rapport.bornes[p] == OMEGA)
+                ++infinies;
+            else
+                EXPECT_LE(rapport.bornes[p], plus) << nom << ": " << net.places[p];
+        }
+        EXPECT_EQ(infinies, nom == "assembly" ? 1U : bornee ? 0U : static_cast<std::size_t>(n) + 1) << nom;
+        EXPECT_EQ(Reseau::analyser(net, {.verdictSeul = true}).bornee, bornee) << nom;
+    }
 }
 
 TEST(EquipeTest, EveryMemberDoesItsPartAndTheFirstErrorIsThrown) {
