@@ -10,6 +10,9 @@
 //   first, last
 //              transition t is never fired; or it is, and what it needs is there when it is fired for the first or the
 //              last time.
+//   order      transition t is never fired; or u is not; or the first or last firing of t comes before that of u; or
+//   after
+//              it; and either time what they need is there.
 //   round      no distinction: what follows from the constraints in force because firing counts are integers.
 #pragma once
 
@@ -21,15 +24,18 @@
 
 namespace Reseau {
 
-/// One node of a proof. A case distinction is followed by its first case and then its second, as in a prefix notation.
+/// Of places or constraints, by number, ascending.
+using Multiplicateurs = std::vector<std::pair<std::uint32_t, Large>>;
+
+/// One node of a proof. A case distinction is followed by its first case and then the others, as in a prefix notation.
 struct Cas {
-    enum Genre { BORNE, SEUIL, NIVEAU, ENTREE, DEPART, PREMIER, DERNIER, COUPE } genre = BORNE;
+    enum Genre { BORNE, SEUIL, NIVEAU, ENTREE, DEPART, PREMIER, DERNIER, ORDRE, COUPE } genre = BORNE;
     /// BORNE: `facteur` * (the sum of the asked places) + sum of multiplier * constraint <= `total`, where the left
     /// side has no positive coefficient for any transition. With `facteur` 0, `total` is negative: the case cannot
     /// occur. The constraints are the places, then those of the cases above in their order.
     Large facteur = 0;
     Large total = 0;
-    std::vector<std::pair<std::uint32_t, Large>> multiplicateurs;
+    Multiplicateurs multiplicateurs;
     /// COUPE: the sum of multiplier * constraint, divided by `facteur` and rounded: each transition's coefficient up,
     /// then the constant down.
     /// PREMIER, DERNIER: the sum of multiplier * place, of the places alone, as it is when `transition` is fired for
@@ -47,6 +53,23 @@ struct Cas {
     /// constraint: the transitions that leave U are fired once or more.
     std::vector<std::uint32_t> places;
     std::vector<std::uint32_t> bornees;
+    /// ORDRE: two firings, of two transitions. In the first and the second case one constraint: the one transition is
+    /// not fired, or the other. In the third, where the one firing comes first, and in the fourth, three: both are
+    /// fired; and the sum of multiplier * place at the earlier moment and at the later one, less what is needed there,
+    /// is not negative. Of the firings before the moments it is known how often the two transitions have been fired by
+    /// themselves, that there are no more before the earlier one than before the later one, and no more than in the
+    /// end.
+    struct Evenement {
+        std::uint32_t transition;
+        bool dernier;  ///< the last firing, or else the first
+        bool operator==(const Evenement&) const = default;
+    };
+    std::vector<Evenement> evenements;
+    /// ORDRE: of the places at the earlier moment and at the later one in the third case, and then in the fourth.
+    std::vector<Multiplicateurs> moments;
+
+    /// How many cases follow.
+    std::uint32_t suites() const { return genre == BORNE ? 0 : genre == COUPE ? 1 : genre == ORDRE ? 4 : 2; }
 };
 
 }  // namespace Reseau

@@ -37,7 +37,7 @@ private:
     void ensemble();
     void nonBornee();
     std::size_t pompe(std::size_t numero);
-    void multiplicateurs(const Cas& cas);
+    void multiplicateurs(const Multiplicateurs& y);
     void arbre(const Majoration& majoration);
 
     std::ostream& out_;
@@ -161,9 +161,9 @@ void Redacteur::atteinte(std::uint32_t p) {
     out_ << '\n';
 }
 
-void Redacteur::multiplicateurs(const Cas& cas) {
+void Redacteur::multiplicateurs(const Multiplicateurs& multiples) {
     const auto places = static_cast<std::uint32_t>(partie_.places.size());
-    for (const auto& [contrainte, y] : cas.multiplicateurs) {
+    for (const auto& [contrainte, y] : multiples) {
         if (contrainte < places)
             out_ << ' ' << place(contrainte);
         else
@@ -194,15 +194,24 @@ void Redacteur::arbre(const Majoration& majoration) {
             case Cas::PREMIER:
             case Cas::DERNIER:
                 out_ << (cas.genre == Cas::PREMIER ? "first " : "last ") << transition(cas.transition);
-                multiplicateurs(cas);
+                multiplicateurs(cas.multiplicateurs);
+                break;
+            case Cas::ORDRE:
+                out_ << "order";
+                for (const Cas::Evenement& e : cas.evenements)
+                    out_ << (e.dernier ? " last " : " first ") << transition(e.transition);
+                for (std::size_t i = 0; i < cas.moments.size(); ++i) {
+                    if (i > 0) out_ << (i == 2 ? " else" : " then");
+                    multiplicateurs(cas.moments[i]);
+                }
                 break;
             case Cas::COUPE:
                 out_ << "round " << decimal(cas.facteur);
-                multiplicateurs(cas);
+                multiplicateurs(cas.multiplicateurs);
                 break;
             case Cas::BORNE:
                 out_ << "close " << decimal(cas.facteur) << ' ' << decimal(cas.total);
-                multiplicateurs(cas);
+                multiplicateurs(cas.multiplicateurs);
                 break;
         }
         out_ << '\n';

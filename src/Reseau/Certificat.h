@@ -52,6 +52,10 @@
 //     last TRANSITION PLACE*Y...
 //         case one, it is not fired; case two, it is, and when it is fired for the first or the last time, the sum of Y
 //         times each place is not negative after taking what it needs
+//     order first|last T first|last U PLACE*Y... then PLACE*Y... else PLACE*Y... then PLACE*Y...
+//         four cases: T is not fired; U is not; T's first or last firing comes before U's, and then the sum of Y times
+//         each place at the earlier firing and, after "then", at the later one, each less what is needed there, is not
+//         negative; or it comes after U's, and then the same holds for what follows "else"
 //     round D PLACE*Y... *I*Y...
 //         not a distinction, one tree follows: the sum of Y times each place and Y times the I-th constraint in force,
 //         divided by D, with the coefficients of the transitions rounded up and the constant rounded down, is a
@@ -67,7 +71,9 @@
 // that take the token elsewhere leave; less what those need that bring the token in; plus what those add, if they do,
 // that leave the token alone. For first and last -x; and x - 1, then the sum, of which the other transitions only count
 // with what they add to it, and the transition itself not at all with first, and one time less than it is fired with
-// last.
+// last. For order -x of T; -x of U; and in the other cases x - 1 of T, x - 1 of U and the sum: a firing counts there as
+// one before both moments, between them, or after them, whichever adds most, but for T's and U's own, of which it is
+// known.
 #pragma once
 
 #include <ostream>

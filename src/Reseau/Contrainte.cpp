@@ -103,6 +103,9 @@ Contrainte entree(const Net& net, const Jeton& jeton, const std::vector<bool>& u
     return c;
 }
 
+namespace {
+
+/// The first case of two.
 std::vector<Contrainte> premierCas(const Net& net, const Jeton* jeton, const Cas& cas) {
     if (cas.genre == Cas::SEUIL) return {auPlus({0, {{cas.transition, 1}}}, cas.seuil)};
     if (cas.genre == Cas::NIVEAU) return {auPlus(etat(net, cas.places[0]), cas.seuil)};
@@ -129,6 +132,65 @@ std::vector<Contrainte> secondCas(const Net& net, const Jeton* jeton, const Cas&
             contrainte.forme.emplace_back(t, 1);
     }
     return {contrainte};
+}
+
+/// The sum of the places at two moments, each less what is needed then, at the most.
+Contrainte auxMoments(const Net& net, Cas::Evenement premier, Cas::Evenement second, const Multiplicateurs& tot,
+                      const Multiplicateurs& tard) {
+    Contrainte c;
+    std::vector<Large> poids[2];
+    for (const bool plusTard : {false, true}) {
+        std::vector<Large>& y = poids[plusTard ? 1 : 0];
+        y.resize(net.places.size(), 0);
+        for (const auto& [p, n] : plusTard ? tard : tot) {
+            y[p] = n;
+            ajouter(c.constante, n, net.initial[p]);
+        }
+        for (const Poids& b : net.transitions[(plusTard ? second : premier).transition].pre)
+            ajouter(c.constante, -y[b.place], b.compte);
+    }
+    for (std::uint32_t t = 0; t < net.transitions.size(); ++t) {
+        Large tous = 0;   // what a firing before the earlier moment adds,
+        Large entre = 0;  // and one between the two
+        for (const Poids& e : net.transitions[t].effet) {
+            ajouter(tous, poids[0][e.place], e.compte);
+            ajouter(entre, poids[1][e.place], e.compte);
+        }
+        const Large avant = tous;
+        ajouter(tous, 1, entre);
+        Large coefficient = 0;
+        if (t == premier.transition && premier.dernier) {  // before the earlier moment, all but one; then the last
+            coefficient = tous;
+            ajouter(c.constante, -1, avant);
+        } else if (t == premier.transition) {  // its first one comes between the two
+            coefficient = std::max<Large>(entre, 0);
+            ajouter(c.constante, 1, std::min<Large>(entre, 0));
+        } else if (t == second.transition && second.dernier) {  // before the later moment all but one
+            coefficient = std::max(tous, entre);
+            ajouter(c.constante, -1, coefficient);
+        } else if (t != second.transition) {
+            coefficient = std::max<Large>({0, entre, tous});
+        }
+        if (coefficient != 0) c.forme.emplace_back(t, coefficient);
+    }
+    return c;
+}
+
+std::vector<std::vector<Contrainte>> lesDeuxOrdres(const Net& net, const Cas& cas) {
+    const auto [a, b] = std::pair(cas.evenements[0], cas.evenements[1]);
+    const Contrainte tireA = auMoins({0, {{a.transition, 1}}}, 0);
+    const Contrainte tireB = auMoins({0, {{b.transition, 1}}}, 0);
+    return {{auPlus({0, {{a.transition, 1}}}, 0)},
+            {auPlus({0, {{b.transition, 1}}}, 0)},
+            {tireA, tireB, auxMoments(net, a, b, cas.moments[0], cas.moments[1])},
+            {tireA, tireB, auxMoments(net, b, a, cas.moments[2], cas.moments[3])}};
+}
+
+}  // namespace
+
+std::vector<std::vector<Contrainte>> distinguer(const Net& net, const Jeton* jeton, const Cas& cas) {
+    if (cas.genre == Cas::ORDRE) return lesDeuxOrdres(net, cas);
+    return {premierCas(net, jeton, cas), secondCas(net, jeton, cas)};
 }
 
 }  // namespace Reseau

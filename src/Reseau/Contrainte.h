@@ -20,10 +20,10 @@ struct Contrainte {
 /// The state equation of a place: its count at the end is not negative.
 Contrainte etat(const Net& net, std::uint32_t place);
 
-/// The constraints that hold in the first case of a distinction, and in the second.
+/// The constraints that hold in each case of a distinction.
 /// @param jeton the net's control token; needed for DEPART
-std::vector<Contrainte> premierCas(const Net& net, const Jeton* jeton, const Cas& cas);
-std::vector<Contrainte> secondCas(const Net& net, const Jeton* jeton, const Cas& cas);
+/// @throws Abandon when a number does not fit
+std::vector<std::vector<Contrainte>> distinguer(const Net& net, const Jeton* jeton, const Cas& cas);
 
 /// What a case of the kind COUPE adds to the constraints in force, those of the places first.
 /// @throws Abandon when a number does not fit

@@ -3,6 +3,7 @@
 #include "Reseau/Majorant.h"
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <numeric>
 #include <utility>
@@ -17,6 +18,7 @@ namespace {
 constexpr std::uint64_t CASES_DENSES = 300'000;         // places times transitions
 constexpr std::uint64_t TRAVAIL = 4'000'000;            // entries of the dictionary rewritten for one question
 constexpr std::uint64_t PART = 8;                       // of it that one search of a run may take
+constexpr std::uint64_t PART_DES_PAIRES = 4;            // of it that one search of an order may take
 constexpr std::size_t NOEUDS = 64;                      // of one search
 constexpr std::uint64_t CASES_EN_MEMOIRE = 10'000'000;  // of the dictionaries of all open cases
 constexpr std::size_t DEPARTS = 16;                     // that are distinguished
@@ -132,6 +134,7 @@ std::optional<Majoration> Majorants::majorer(const std::vector<std::uint32_t>& p
     for (const std::uint32_t p : places)
         q.forme.emplace_back(static_cast<Simplexe::Variable>(net_.transitions.size()) + p, 1);
     travail_ = travail(effort);
+    travailDesPaires_ = travail(effort) / PART_DES_PAIRES;
     chercher(q);
     depense += travail(effort) - travail_;
     const Large borne = std::max(q.plafond, q.ouverts.empty() ? Large{-1} : q.ouverts.top().first);
@@ -198,7 +201,7 @@ bool Majorants::traiter(Question& q, std::uint32_t numero) {
     const Simplexe& s = *programme;
     const bool infinie = q.noeuds[numero].borne == INFINI;
     std::optional<Cas> cas = depart(q.noeuds[numero]);
-    if (!cas) cas = contradiction(s, infinie);
+    if (!cas && infinie) cas = contradiction(s, true);
     if (!cas && infinie) {
         pomper(s, q);
         if (q.tireur != nullptr && q.tireur->pompes().empty()) cas = tropTot(s, true);
@@ -211,8 +214,8 @@ bool Majorants::traiter(Question& q, std::uint32_t numero) {
         ouvrir(q, numero, {coupe(*cas, enVigueur(q, numero), net_.transitions.size())});
         ++q.noeuds.back().coupes;
     } else {
-        ouvrir(q, numero, premierCas(net_, jeton, *cas));
-        ouvrir(q, numero, secondCas(net_, jeton, *cas));
+        for (std::vector<Contrainte>& contraintes : distinguer(net_, jeton, *cas))
+            ouvrir(q, numero, std::move(contraintes));
     }
     // In the second case the token ends where the solution says.
     if (cas->genre == Cas::NIVEAU) q.noeuds.back().finie = true;
@@ -229,8 +232,7 @@ bool Majorants::traiter(Question& q, std::uint32_t numero) {
 std::optional<Cas> Majorants::approfondir(Question& q, std::uint32_t numero, const Simplexe& s) {
     const Noeud& noeud = q.noeuds[numero];
     const std::optional<Simplexe> moindre = moindresTirs(s, q);
-    if (moindre)
-        if (auto cas = contradiction(*moindre, false)) return cas;
+    if (auto cas = contradiction(moindre ? *moindre : s, false)) return cas;
     if (!promenade_ && (!moindre || !realiser(*moindre, q))) realiser(s, q);
     if (noeud.borne <= q.minorant) return std::nullopt;
     if (const auto rond = moindre ? entier(*moindre) : std::nullopt) {
@@ -238,6 +240,9 @@ std::optional<Cas> Majorants::approfondir(Question& q, std::uint32_t numero, con
         if (promenade_) realiser(*rond, q);
         if (noeud.borne <= q.minorant) return std::nullopt;
         if (auto cas = tropTot(*rond, false)) return cas;
+        if (auto cas = horsDOrdre(*rond)) return cas;
+        if (promenade_) realiser(*rond, q, true);
+        if (noeud.borne <= q.minorant) return std::nullopt;
     }
     if (noeud.coupes < COUPES)
         if (auto cas = arrondi(s)) return cas;
@@ -319,7 +324,7 @@ void Majorants::pomper(const Simplexe& s, const Question& q) {
         bool tient = true;
         for (const auto& [t, effet] : etats_[*pousse].forme) tient = tient && accumuler(but, effet, (*comptes)[t]);
         if (!tient) continue;
-        courir(q, *comptes, *pousse, static_cast<Compte>(std::min<Large>(but, OMEGA - 1)));
+        courir(q, *comptes, *pousse, static_cast<Compte>(std::min<Large>(but, OMEGA - 1)), false);
         q.tireur->pomper();
         if (q.tireur->minorants()[*pousse] == OMEGA) return;
     }
@@ -567,6 +572,34 @@ std::optional<Cas> Majorants::instant(const std::vector<Compte>& comptes, std::u
     }
 }
 
+/// Two firings that the solution allows in neither order. What has served before is tried first.
+std::optional<Cas> Majorants::horsDOrdre(const Simplexe& s) {
+    std::vector<Compte> comptes(net_.transitions.size());
+    for (std::uint32_t t = 0; t < comptes.size(); ++t) {
+        if (s.valeur(t).plafond() >= OMEGA) return std::nullopt;
+        comptes[t] = static_cast<Compte>(s.valeur(t).plafond());
+    }
+    const auto tiree = [&comptes](const Cas::Evenement& e) { return comptes[e.transition] > 0; };
+    std::uint64_t travail = std::min(travail_, travailDesPaires_);
+    const std::uint64_t accorde = travail;
+    std::optional<Cas> cas;
+    try {
+        const Moments moments(net_, etats_, comptes, &travail);
+        std::vector<Moments::Paire> paires = paires_;
+        std::erase_if(paires, [&](const Moments::Paire& p) { return !tiree(p.first) || !tiree(p.second); });
+        std::ranges::copy(moments.paires(), std::back_inserter(paires));
+        for (auto p = paires.begin(); p != paires.end() && !cas; ++p)
+            if ((cas = moments.contredire(*p))) {
+                std::erase(paires_, *p);
+                paires_.insert(paires_.begin(), *p);
+            }
+    } catch (const Abandon&) {
+        // Too much to ask for these counts.
+    }
+    travail_ -= accorde - travail;
+    return cas;
+}
+
 /// A solution in integers, near the given one and of few firings: thresholds are set, the one with fewer firings first.
 std::optional<Simplexe> Majorants::entier(Simplexe s) const {
     const auto transitions = static_cast<Simplexe::Variable>(net_.transitions.size());
@@ -626,12 +659,13 @@ std::optional<Simplexe> Majorants::moindresTirs(const Simplexe& s, const Questio
 }
 
 /// Looks for a run with these counts that ends with `but` tokens in `place`.
-void Majorants::courir(const Question& q, const std::vector<Compte>& comptes, std::uint32_t place, Compte but) {
+void Majorants::courir(const Question& q, const std::vector<Compte>& comptes, std::uint32_t place, Compte but,
+                       bool patient) {
     if (!promenade_) return q.tireur->realiser(comptes, place, but);
     const std::uint64_t accorde = std::min(travail_, q.parCourse);
     std::uint64_t reste = accorde;
     try {
-        if (auto course = promenade_->chercher(comptes, place, q.tireur->minorants()[place], but, reste))
+        if (auto course = promenade_->chercher(comptes, place, q.tireur->minorants()[place], but, patient, reste))
             q.tireur->adopter(std::move(*course));
     } catch (const Depassement& e) {
         q.tireur->depasser(e);
@@ -648,7 +682,7 @@ bool Majorants::unSeulJeton(const std::vector<std::uint32_t>& places) const {
 
 /// Looks for runs with the counts of a solution.
 /// @return false when they are no integers and nothing was looked for
-bool Majorants::realiser(const Simplexe& s, Question& q) {
+bool Majorants::realiser(const Simplexe& s, Question& q, bool patient) {
     const auto premiere = static_cast<Simplexe::Variable>(net_.transitions.size());
     const auto visee =
         std::ranges::find_if(q.places, [&](std::uint32_t p) { return s.valeur(premiere + p).numerateur > 0; });
@@ -661,7 +695,7 @@ bool Majorants::realiser(const Simplexe& s, Question& q) {
     }
     const auto but = static_cast<Compte>(std::min<Large>(s.valeur(premiere + *visee).plancher(), OMEGA));
     if (promenade_ && !entiers) return false;
-    courir(q, comptes, *visee, but);
+    courir(q, comptes, *visee, but, patient);
     q.minorant = std::max<Large>(q.minorant, q.tireur->minorants()[*visee]);
     return true;
 }
@@ -687,8 +721,7 @@ void Majorants::rediger(const Question& q, std::uint32_t numero, Large borne, st
         return;
     }
     preuve.push_back(*noeud.distinction);
-    rediger(q, noeud.premier, borne, preuve);
-    if (noeud.distinction->genre != Cas::COUPE) rediger(q, noeud.premier + 1, borne, preuve);
+    for (std::uint32_t i = 0; i < noeud.distinction->suites(); ++i) rediger(q, noeud.premier + i, borne, preuve);
 }
 
 }  // namespace Reseau

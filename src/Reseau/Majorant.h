@@ -19,6 +19,7 @@
 #include "Reseau/Cas.h"
 #include "Reseau/Contrainte.h"
 #include "Reseau/Jeton.h"
+#include "Reseau/Moments.h"
 #include "Reseau/Net.h"
 #include "Reseau/Promenade.h"
 #include "Reseau/Simplexe.h"
@@ -80,13 +81,14 @@ private:
     std::optional<Cas> fraction(const Simplexe& s) const;
     std::optional<Cas> arrondi(const Simplexe& s) const;
     std::optional<Cas> tropTot(const Simplexe& s, bool infinie) const;
+    std::optional<Cas> horsDOrdre(const Simplexe& s);
     std::optional<Cas> instant(const std::vector<Compte>& comptes, std::uint32_t t, Cas::Genre genre) const;
     std::optional<Simplexe> entier(Simplexe s) const;
     std::optional<Cas> finDuJeton(const Simplexe& s) const;
     std::optional<Simplexe> moindresTirs(const Simplexe& s, const Question& q) const;
-    void courir(const Question& q, const std::vector<Compte>& comptes, std::uint32_t place, Compte but);
+    void courir(const Question& q, const std::vector<Compte>& comptes, std::uint32_t place, Compte but, bool patient);
     bool unSeulJeton(const std::vector<std::uint32_t>& places) const;
-    bool realiser(const Simplexe& s, Question& q);
+    bool realiser(const Simplexe& s, Question& q, bool patient = false);
     Cas clore(const Simplexe& s, Simplexe::Issue issue) const;
     void rediger(const Question& q, std::uint32_t numero, Large borne, std::vector<Cas>& preuve) const;
 
@@ -95,6 +97,8 @@ private:
     std::vector<std::uint32_t> departs_;  // the ways to begin, where there are several
     std::optional<Promenade> promenade_;  // when every transition moves the token
     mutable std::uint64_t travail_ = 0;
+    std::uint64_t travailDesPaires_ = 0;
+    std::vector<Moments::Paire> paires_;   // that have contradicted a solution, the latest first
     const std::vector<Contrainte> etats_;  // the state equation of each place
     // Each question starts here, from "nothing is fired": solutions without needless firings are the easier ones to
     // turn into runs, and the dictionary is at its sparsest.

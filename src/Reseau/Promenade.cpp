@@ -4,16 +4,19 @@
 #include <cmath>
 #include <limits>
 #include <queue>
+#include <span>
 #include <utility>
 
 namespace Reseau {
 
 namespace {
 
-constexpr struct {
+struct Essai {
     std::size_t largeur;
     Compte credit;
-} ESSAIS[] = {{1, 0}, {8, 0}, {16, 2}, {64, 4}, {256, 6}};
+};
+constexpr Essai RAPIDES[] = {{1, 0}, {8, 0}, {16, 2}};
+constexpr Essai PATIENTS[] = {{64, 4}, {256, 6}};
 constexpr std::uint64_t PART = 4;    // of what is left that one of them may cost
 constexpr std::size_t LARGEUR = 4;   // of the beam for a round
 constexpr std::size_t PASSAGES = 6;  // of a place of the token, from where a round is tried
@@ -44,13 +47,13 @@ Promenade::Promenade(const Net& net, const Jeton& jeton)
 }
 
 std::optional<Course> Promenade::chercher(const std::vector<Compte>& comptes, std::uint32_t place, Compte plancher,
-                                          Compte but, std::uint64_t& travail) {
+                                          Compte but, bool patient, std::uint64_t& travail) {
     preparer(travail);
     place_ = place;
     but_ = but;
     mieux_ = plancher;
     std::optional<Course> meilleure;
-    for (const auto& [largeur, credit] : ESSAIS) {
+    for (const auto& [largeur, credit] : patient ? std::span<const Essai>(PATIENTS) : std::span<const Essai>(RAPIDES)) {
         credit_ = credit;
         std::uint64_t part = travail / PART;
         travail -= part;

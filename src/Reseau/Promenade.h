@@ -27,9 +27,10 @@ public:
 
     /// @return a run that fires each transition t at most about `comptes[t]` times and ends with `but` tokens in
     /// `place`, or with as many as are found, if these are more than `plancher`
+    /// @param patient with wide beams, after the narrow ones
     /// @param travail what it may cost, in places and transitions looked at; what it has cost is taken off
     std::optional<Course> chercher(const std::vector<Compte>& comptes, std::uint32_t place, Compte plancher, Compte but,
-                                   std::uint64_t& travail);
+                                   bool patient, std::uint64_t& travail);
 
     /// @return a run whose last part fires each transition t `comptes[t]` times, if one is found near the start; its
     /// first block is what comes before

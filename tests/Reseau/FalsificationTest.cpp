@@ -88,6 +88,7 @@ protected:
             for (int i = 0; i < 6 && serie.noeuds == 3; ++i) ajouter(serie.net(i));
             if (serie.noeuds == 12 && serie.genre == familles::Genre::ETAGE)  // with all kinds of cases
                 for (const int i : {1, 6, 8}) ajouter(serie.net(i));
+            if (serie.noeuds == 5 && serie.genre == familles::Genre::LIBRE) ajouter(serie.net(4));  // with an order
         }
         std::istringstream dernier("tr i q0 -> q1 m*1000000000\ntr a q1 m*4 -> q2 c\ntr b q2 -> q1 m*3\npl q0 (1)\n");
         ajouter(Reseau::lire(dernier, "essai"));
@@ -601,6 +602,7 @@ const std::vector<std::pair<std::string, Faussaire>> FAUSSAIRES{
     {"a level is missing", [](auto& e, auto& h) { return sansLigne(e, "level", h); }},
     {"an entry is missing", [](auto& e, auto& h) { return sansLigne(e, "entry", h); }},
     {"a last firing is missing", [](auto& e, auto& h) { return sansLigne(e, "last", h); }},
+    {"an order is missing", [](auto& e, auto& h) { return sansLigne(e, "order", h); }},
     {"a departure is missing", [](auto& e, auto& h) { return sansLigne(e, "departure", h); }},
     {"a member of the set is too small", ensembleMoindre},
     {"a member of the set is missing", ensembleIncomplet},

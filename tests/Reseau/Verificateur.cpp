@@ -115,8 +115,14 @@ private:
     void verifierMarquages() const;
     Entier cas(const Vecteur& visee);
     struct Contrainte;
+    struct Evenement {
+        std::string transition;
+        bool dernier;
+    };
     void depart(const Mots& m, std::vector<Contrainte>& premier, Contrainte& second) const;
     void instant(const Mots& m, std::vector<Contrainte>& premier, std::vector<Contrainte>& second);
+    std::vector<std::vector<Contrainte>> ordres(const Mots& m);
+    Contrainte ordre(const Evenement& tot, const Evenement& tard, const Vecteur& y, const Vecteur& z);
     Contrainte arrondie(const Mots& m);
     Entier ferme(const Mots& m, const Vecteur& visee);
 
@@ -577,6 +583,75 @@ void Verification::instant(const Mots& m, std::vector<Contrainte>& premier, std:
     second.push_back(std::move(c));
 }
 
+/// The four cases of two firings' order.
+std::vector<std::vector<Verification::Contrainte>> Verification::ordres(const Mots& m) {
+    Evenement e[2];
+    for (const std::size_t i : {0U, 1U}) {
+        const std::string& genre = m.at(1 + 2 * i);
+        e[i] = {m.at(2 + 2 * i), genre == "last"};
+        exiger(genre == "first" || genre == "last", "\"first\" or \"last\" expected, not ", genre);
+        exiger(std::ranges::find(tirees_, e[i].transition) != tirees_.end(), "a transition of another part");
+    }
+    exiger(e[0].transition != e[1].transition, "one transition comes before itself");
+    std::vector<Vecteur> sommes(1);
+    for (std::size_t i = 5; i < m.size(); ++i) {
+        if (m[i] == "then" || m[i] == "else") {
+            exiger((m[i] == "else") == (sommes.size() == 2), "\"then\" or \"else\" at the wrong place");
+            sommes.emplace_back();
+            continue;
+        }
+        const auto [p, y] = poids(m[i]);
+        exiger(partie_.contains(p) && y > 0, "not a positive multiple of a place: ", m[i]);
+        exiger(sommes.back().insert({p, y}).second, "twice: ", p);
+    }
+    exiger(sommes.size() == 4, "four sums expected");
+    const Contrainte tireA{{{e[0].transition, 1}}, -1};
+    const Contrainte tireB{{{e[1].transition, 1}}, -1};
+    return {{{{{e[0].transition, -1}}, 0}},
+            {{{{e[1].transition, -1}}, 0}},
+            {tireA, tireB, ordre(e[0], e[1], sommes[0], sommes[1])},
+            {tireA, tireB, ordre(e[1], e[0], sommes[2], sommes[3])}};
+}
+
+/// The sum of y times the places at the earlier firing and z times the places at the later one, each less its needs, is
+/// not negative. A firing of any transition comes before both and counts twice, or between them and counts with z, or
+/// after them and does not count: what it counts at the most is a coefficient. Of the two transitions it is known where
+/// some of their firings come.
+Verification::Contrainte Verification::ordre(const Evenement& tot, const Evenement& tard, const Vecteur& y,
+                                             const Vecteur& z) {
+    Contrainte c;
+    std::map<std::string, Entier> avant;  // what a firing before the earlier one adds at that moment
+    std::map<std::string, Entier> entre;  // what a firing before the later one adds then
+    const auto compter = [&](const Vecteur& poidsDesPlaces, const std::string& qui, auto& gains) {
+        for (const auto& [p, n] : poidsDesPlaces) {
+            c.constante = somme(c.constante, produit(n, lire(initial_, p) - lire(transitions_.at(qui).pre, p)));
+            for (const auto& [t, e] : effets_[p]) gains[t] = somme(gains[t], produit(n, e));
+        }
+    };
+    compter(y, tot.transition, avant);
+    compter(z, tard.transition, entre);
+    for (const std::string& t : tirees_) {
+        const Entier deuxFois = somme(avant[t], entre[t]);
+        const Entier auMieux = std::max({Entier{0}, entre[t], deuxFois});
+        if (t == tot.transition && tot.dernier) {
+            // All but the last come before both, the last one between them.
+            c.forme[t] = deuxFois;
+            c.constante = somme(c.constante, somme(entre[t], -deuxFois));
+        } else if (t == tot.transition) {
+            // The first one comes between them, the others there or later.
+            c.forme[t] = std::max<Entier>(0, entre[t]);
+            c.constante = somme(c.constante, somme(entre[t], -c.forme[t]));
+        } else if (t == tard.transition && tard.dernier) {
+            // All but the last come before both, or between them.
+            c.forme[t] = std::max(entre[t], deuxFois);
+            c.constante = somme(c.constante, -c.forme[t]);
+        } else if (t != tard.transition) {
+            c.forme[t] = auMieux;
+        }
+    }
+    return c;
+}
+
 /// What follows from constraints in force because firing counts are integers that are not negative.
 Verification::Contrainte Verification::arrondie(const Mots& m) {
     const Entier diviseur = nombre(m.at(1));
@@ -605,6 +680,15 @@ Entier Verification::cas(const Vecteur& visee) {
     const Mots m = prochaine();
     if (m[0] == "close") return ferme(m, visee);
     const std::size_t enVigueur = contraintes_.size();
+    if (m[0] == "order") {
+        Entier plusGrand = -1;
+        for (const std::vector<Contrainte>& suite : ordres(m)) {
+            contraintes_.insert(contraintes_.end(), suite.begin(), suite.end());
+            plusGrand = std::max(plusGrand, cas(visee));
+            contraintes_.resize(enVigueur);
+        }
+        return plusGrand;
+    }
     if (m[0] == "round") {
         contraintes_.push_back(arrondie(m));
         const Entier a = cas(visee);
