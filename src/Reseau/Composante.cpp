@@ -25,7 +25,7 @@ std::optional<Creux> Composantes::chercher(std::uint32_t place, Compte borne, co
     borne_ = borne;
     ajouter({place, 1});
     std::optional<Creux> resultat;
-    if (jetons_ <= borne_ && completer(vus, 0)) {
+    if (jetons_ <= borne_ && completer(vus)) {
         resultat.emplace();
         for (const Poids& p : ajouts_) resultat->push_back({p.place, poids_[p.place]});
         std::ranges::sort(*resultat, {}, &Poids::place);
@@ -36,22 +36,29 @@ std::optional<Creux> Composantes::chercher(std::uint32_t place, Compte borne, co
     return resultat;
 }
 
-/// Brings in places until no transition adds to the set; those before `premiere` among the ones that did do not.
-bool Composantes::completer(const std::vector<Compte>& vus, std::size_t premiere) {
-    if (!propager(vus)) return false;
-    while (premiere < gagnantes_.size() && gains_[gagnantes_[premiere]] <= 0) ++premiere;
-    if (premiere == gagnantes_.size()) return true;
-    for (const Poids& p : candidates(gagnantes_[premiere], vus)) {
-        const std::size_t taille = ajouts_.size();
-        const std::size_t gagnantes = gagnantes_.size();
-        ajouter(p);
-        if (completer(vus, premiere)) return true;
+/// Brings in places until no transition adds to the set. The choices are kept in a list, since there may be as many as
+/// the net has places.
+bool Composantes::completer(const std::vector<Compte>& vus) {
+    std::vector<Choix> choix;
+    std::size_t premiere = 0;  // the transitions before it among the gaining ones do not add any more
+    while (true) {
+        if (propager(vus)) {
+            while (premiere < gagnantes_.size() && gains_[gagnantes_[premiere]] <= 0) ++premiere;
+            if (premiere == gagnantes_.size()) return true;
+            choix.push_back({premiere, ajouts_.size(), gagnantes_.size(), candidates(gagnantes_[premiere], vus)});
+            std::ranges::reverse(choix.back().places);
+        }
         if (travail_ == 0) return false;
-        revenir(taille);
-        gagnantes_.resize(gagnantes);
-        vues_ = gagnantes;
+        while (!choix.empty() && choix.back().places.empty()) choix.pop_back();
+        if (choix.empty()) return false;
+        Choix& dernier = choix.back();
+        revenir(dernier.ajouts);
+        gagnantes_.resize(dernier.gagnantes);
+        vues_ = dernier.gagnantes;
+        premiere = dernier.premiere;
+        ajouter(dernier.places.back());
+        dernier.places.pop_back();
     }
-    return false;
 }
 
 /// Brings in what there is no choice about.

@@ -34,8 +34,15 @@ private:
         std::uint32_t transition;
         Compte effet;
     };
+    /// Several places can make a transition add no more.
+    struct Choix {
+        std::size_t premiere;       // the transition, among the gaining ones
+        std::size_t ajouts;         // before the choice
+        std::size_t gagnantes;      // before the choice
+        std::vector<Poids> places;  // not tried yet, the next one last
+    };
 
-    bool completer(const std::vector<Compte>& vus, std::size_t premiere);
+    bool completer(const std::vector<Compte>& vus);
     bool propager(const std::vector<Compte>& vus);
     std::vector<Poids> candidates(std::uint32_t transition, const std::vector<Compte>& vus) const;
     bool admissible(const Poids& p, const std::vector<Compte>& vus) const;
