@@ -51,6 +51,7 @@ Large pgcd(Large a, Large b) {
 
 constexpr Large PREMIERS[] = {2, 3, 5, 7, 11, 13, 17, 19, 23, 29, 31, 37, 41, 43, 47};
 constexpr Large GRAND = Large{1} << 32;  // of a denominator
+constexpr std::uint64_t LENTE = 10;      // times as long as others takes a line of a larger denominator
 constexpr Large GRANDE = 100;            // powers of these that are tried
 
 Large modulo(Large a, Large p) {
@@ -150,7 +151,9 @@ void Simplexe::pivoter(std::size_t ligne, std::size_t colonne) {
         const Large c = t[colonne];
         t[colonne] = 0;
         t.remplacer(c, r, occupees);
-        fait += t.denominateur == 1 ? occupees.size() : t.entrees.size() + occupees.size();
+        fait += t.denominateur == 1      ? occupees.size()
+                : t.denominateur < GRAND ? t.entrees.size() + occupees.size()
+                                         : LENTE * t.entrees.size();
     }
     *travail_ -= std::min(*travail_, fait);
     std::swap(base_[ligne], horsBase_[colonne]);
