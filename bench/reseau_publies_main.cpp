@@ -28,7 +28,7 @@
 
 #include "Reseau/Conservation.h"
 #include "Reseau/Couverture.h"
-#include "Reseau/Reseau.h"
+#include "Reseau/Simplexe.h"
 #include "a_part.h"
 #include "reseau_familles.h"
 #include "reseau_publies.h"
@@ -192,10 +192,25 @@ private:
     std::map<std::string, Bilan> bilans_;
 };
 
-/// Whether no initial marking makes the net unbounded: a large one would.
-bool structurellementBorne(Reseau::Net net) {
-    std::ranges::fill(net.initial, 1'000'000);
-    return Reseau::analyser(net, {.verdictSeul = true}).bornee;
+/// Whether no initial marking makes the net unbounded: some weights 1 + y of the places are raised by no transition.
+/// What is too much to work out is taken for it and left out.
+bool structurellementBorne(const Reseau::Net& net) {
+    std::uint64_t travail = 100'000'000;
+    Reseau::Simplexe s(static_cast<std::uint32_t>(net.places.size()), &travail);
+    for (const Reseau::Transition& t : net.transitions) {
+        Reseau::Large constante = 0;
+        Reseau::Simplexe::Forme forme;
+        for (const Reseau::Poids& e : t.effet) {
+            constante -= e.compte;
+            forme.emplace_back(e.place, -e.compte);
+        }
+        s.contraindre(constante, forme);
+    }
+    try {
+        return s.maximiser({}) == Reseau::Simplexe::Issue::OPTIMUM;
+    } catch (const Reseau::Abandon&) {
+        return true;
+    }
 }
 
 }  // namespace

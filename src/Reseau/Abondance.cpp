@@ -74,13 +74,15 @@ void Abondance::majorer() {
 }
 
 std::optional<Course> Abondance::course(std::uint32_t place) const {
-    for (const Echelle& e : echelles_) {
-        if (!e.complete || e.complete->maxima()[place] != majorants_[place]) continue;
-        auto suite = derouler(net_, *e.complete, e.complete->temoin(place), e.marquage);
-        if (!suite) continue;
-        suite->insert(suite->begin(), e.debut.begin(), e.debut.end());
-        return suite;
-    }
+    for (const Echelle& e : echelles_)
+        // What takes less for unbounded, as far as it has come, shows runs that need less.
+        for (const Couverture* c : {e.enCours.get(), e.complete.get()}) {
+            if (c == nullptr || c->maxima()[place] != majorants_[place]) continue;
+            auto suite = derouler(net_, *c, c->temoin(place), e.marquage);
+            if (!suite) continue;
+            suite->insert(suite->begin(), e.debut.begin(), e.debut.end());
+            return suite;
+        }
     return std::nullopt;
 }
 

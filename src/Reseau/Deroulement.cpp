@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <map>
 #include <utility>
 
 namespace Reseau {
@@ -9,6 +10,7 @@ namespace Reseau {
 namespace {
 
 constexpr std::size_t LONGUEUR = 10'000;  // of a sequence that is repeated
+constexpr std::size_t PAS = 1'000'000;    // of paths that are looked at
 
 /// A sequence of transitions, and by place what it needs and what it changes.
 struct Suite {
@@ -25,17 +27,20 @@ public:
     /// @param depart the path's first marking, as far as it is known
     /// @return the blocks, the last one first; nothing when it would be too long
     std::optional<Course> remonter(const std::vector<Pas>& chemin, std::vector<Compte> depart,
-                                   std::vector<Compte>& besoin) const;
+                                   std::vector<Compte>& besoin);
 
 private:
     using Avoirs = std::vector<std::vector<Compte>>;
     Avoirs avoirs(const std::vector<Pas>& chemin, std::vector<Compte> m) const;
-    std::optional<Suite> suite(const Acceleration& a) const;
+    const std::optional<Suite>& suite(std::uint32_t numero);
+    std::optional<Suite> deroulee(const Acceleration& a);
     std::optional<Compte> repetitions(const Acceleration& a, const Suite& s, const std::vector<Compte>& avoir,
                                       const std::vector<Compte>& besoin) const;
 
     const Net& net_;
     const Accelerations& accelerations_;
+    std::map<std::uint32_t, std::optional<Suite>> suites_;  // by acceleration
+    std::size_t reste_ = PAS;
 };
 
 /// Puts a sequence, gone through `fois` times, before what needs `besoin`.
@@ -64,7 +69,7 @@ Deroulement::Avoirs Deroulement::avoirs(const std::vector<Pas>& chemin, std::vec
 }
 
 /// What an acceleration repeats, with its own accelerations repeated as often as it needs to be gone through once.
-std::optional<Suite> Deroulement::suite(const Acceleration& a) const {
+std::optional<Suite> Deroulement::deroulee(const Acceleration& a) {
     Suite s{{}, std::vector<Compte>(net_.places.size(), 0), std::vector<Compte>(net_.places.size(), 0)};
     const auto blocs = remonter(a.pas, std::vector<Compte>(net_.places.size(), OMEGA), s.besoin);
     if (!blocs) return std::nullopt;
@@ -76,6 +81,13 @@ std::optional<Suite> Deroulement::suite(const Acceleration& a) const {
     for (const std::uint32_t t : s.tirs)
         for (const Poids& e : net_.transitions[t].effet) s.effet[e.place] = somme(s.effet[e.place], e.compte);
     return s;
+}
+
+/// Worked out once, since accelerations hold earlier ones, these still earlier ones, and so on.
+const std::optional<Suite>& Deroulement::suite(std::uint32_t numero) {
+    const auto connue = suites_.find(numero);
+    return connue != suites_.end() ? connue->second
+                                   : suites_.emplace(numero, deroulee(accelerations_[numero])).first->second;
 }
 
 /// How often the sequence is to be repeated for what its places are needed for beyond what they hold before.
@@ -92,7 +104,9 @@ std::optional<Compte> Deroulement::repetitions(const Acceleration& a, const Suit
 }
 
 std::optional<Course> Deroulement::remonter(const std::vector<Pas>& chemin, std::vector<Compte> depart,
-                                            std::vector<Compte>& besoin) const {
+                                            std::vector<Compte>& besoin) {
+    if (reste_ < chemin.size()) return std::nullopt;
+    reste_ -= chemin.size();
     Avoirs restants = avoirs(chemin, std::move(depart));
     Course envers;
     for (auto pas = chemin.rbegin(); pas != chemin.rend(); ++pas) {
@@ -106,7 +120,9 @@ std::optional<Course> Deroulement::remonter(const std::vector<Pas>& chemin, std:
         const Acceleration& a = accelerations_[pas->numero];
         const std::vector<Compte> avoir = std::move(restants.back());
         restants.pop_back();
-        const auto s = suite(a);
+        const bool inutile = std::ranges::none_of(a.pompes, [&besoin](std::uint32_t p) { return besoin[p] > 0; });
+        if (inutile) continue;
+        const std::optional<Suite>& s = suite(pas->numero);
         if (!s) return std::nullopt;
         const auto fois = repetitions(a, *s, avoir, besoin);
         if (!fois) return std::nullopt;

@@ -55,12 +55,12 @@ std::optional<Course> Promenade::chercher(const std::vector<Compte>& comptes, st
     std::optional<Course> meilleure;
     for (const auto& [largeur, credit] : patient ? std::span<const Essai>(PATIENTS) : std::span<const Essai>(RAPIDES)) {
         credit_ = credit;
-        std::uint64_t part = travail / PART;
-        travail -= part;
-        travail_ = &part;
+        part_ = travail / PART;
+        travail -= part_;
+        travail_ = &part_;
         if (auto trouvee = balayer({net_.initial, comptes, jeton_.depart(), 0, 0}, largeur))
             meilleure = std::move(trouvee);
-        travail += part;
+        travail += part_;
         if (mieux_ >= but) break;
     }
     return meilleure;

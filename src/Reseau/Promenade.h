@@ -67,6 +67,7 @@ private:
     const Jeton& jeton_;
     std::vector<std::vector<std::uint32_t>> departs_;  // transitions, by place of the token
     std::uint64_t* travail_ = nullptr;
+    std::uint64_t part_ = 0;              // of it, for one beam
     std::optional<std::uint32_t> place_;  // where `but_` tokens are wanted; none when everything is to be fired
     Compte but_ = 0;
     Compte credit_ = 0;        // firings of each transition beyond the counts
