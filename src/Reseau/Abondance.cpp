@@ -58,9 +58,16 @@ void Abondance::descendre(Echelle& e, std::uint64_t limite) const {
             e.enCours = std::make_unique<Couverture>(net_, std::move(m), 1);
             e.enCours->garderLesChemins();
         }
-        if (!e.enCours->explorer(limite, false)) return;
+        bool complete = false;
+        try {
+            complete = e.enCours->explorer(limite, false);
+            if (!complete) return;
+        } catch (const Debordement&) {
+            // It reaches counts that do not fit; the net need not. What takes less for unbounded may do.
+        }
         e.explores += e.enCours->explores();
-        e.complete = std::move(e.enCours);
+        if (complete) e.complete = std::move(e.enCours);
+        e.enCours.reset();
         e.seuils.pop_back();
     }
 }

@@ -92,6 +92,17 @@ TEST(Abondance, ACountThatStaysSmallIsExact) {
     EXPECT_NE(rapport.str().find("most by relaxed"), std::string::npos) << rapport.str();
 }
 
+/// The net itself has m for one of the two steps only.
+TEST(Abondance, CountsThatDoNotFitWhereMoreIsPossibleAreNoError) {
+    const Reseau::Net n =
+        net("tr i q0 -> q1 m*2\ntr a q1 m*2 -> q2 x*5000000000000000000\n"
+            "tr b q2 m*2 -> q3 x*5000000000000000000\npl q0 (1)\n");
+    Reseau::Abondance abondance(n);
+    EXPECT_NO_THROW(abondance.approfondir(1000));
+    EXPECT_THAT(abondance.majorants(), testing::Each(OMEGA));
+    EXPECT_EQ(Reseau::analyser(n, {.essai = 0}).bornes[place(n, "x")], 5'000'000'000'000'000'000);
+}
+
 TEST(Abondance, NothingIsAskedWhereNothingIsThereTwice) {
     const Reseau::Net n = net("tr a i -> q1\ntr b q1 -> q2 m\ntr c q2 -> q1\npl i (1)\n");
     Reseau::Abondance abondance(n);
