@@ -12,8 +12,7 @@ namespace Reseau {
 
 namespace {
 
-constexpr std::size_t DEPARTS = 16;  // that are looked at one by one
-constexpr std::size_t SEUILS = 24;   // of one of them
+constexpr std::size_t SEUILS = 24;  // of one way to begin
 
 /// The counts from which on a place may be said to hold many, the least last; a few where there are too many.
 std::vector<Compte> seuils(const std::vector<Compte>& marquage) {
@@ -30,7 +29,7 @@ std::vector<Compte> seuils(const std::vector<Compte>& marquage) {
 
 Abondance::Abondance(const Net& net) : net_(net), majorants_(net.places.size(), OMEGA) {
     const std::vector<std::uint32_t> premiers = departs(net);
-    parDeparts_ = !premiers.empty() && premiers.size() <= DEPARTS;
+    parDeparts_ = !premiers.empty();
     if (parDeparts_) {
         for (const std::uint32_t t : premiers) echelles_.push_back({{{{{t, 1}}, 1}}, apres(net, t), {}, {}, {}});
     } else {

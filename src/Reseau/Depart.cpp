@@ -4,6 +4,12 @@
 
 namespace Reseau {
 
+namespace {
+
+constexpr std::size_t BEAUCOUP = 16;  // more are not looked at one by one
+
+}  // namespace
+
 std::vector<std::uint32_t> departs(const Net& net) {
     std::vector<std::uint32_t> premiers;
     std::vector<bool> remise(net.places.size(), false);
@@ -13,7 +19,7 @@ std::vector<std::uint32_t> departs(const Net& net) {
         if (std::ranges::all_of(tr.pre, [&net](const Poids& p) { return net.initial[p.place] >= p.compte; }))
             premiers.push_back(t);
     }
-    if (premiers.empty()) return {};
+    if (premiers.empty() || premiers.size() > BEAUCOUP) return {};
     const auto commune = [&](const Poids& jeton) {
         return net.initial[jeton.place] == 1 && !remise[jeton.place] &&
                std::ranges::all_of(premiers,

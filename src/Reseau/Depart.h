@@ -11,7 +11,8 @@
 namespace Reseau {
 
 /// The transitions one of which every run begins with and which are never fired again: all that the initial marking
-/// enables, when they share a token that is not put back. None when there is no such token.
+/// enables, when they share a token that is not put back. None when there is no such token,
+/// or when they are so many that each for itself would cost too much.
 std::vector<std::uint32_t> departs(const Net& net);
 
 /// The marking after `depart`, which the initial marking enables.

@@ -21,7 +21,6 @@ constexpr std::uint64_t PART = 8;                       // of it that one search
 constexpr std::uint64_t PART_DES_PAIRES = 4;            // of it that one search of an order may take
 constexpr std::size_t NOEUDS = 64;                      // of one search
 constexpr std::uint64_t CASES_EN_MEMOIRE = 10'000'000;  // of the dictionaries of all open cases
-constexpr std::size_t DEPARTS = 16;                     // that are distinguished
 constexpr std::size_t COUPES = 40;                      // on the way to one case
 constexpr std::size_t LIAISONS = 20;                    // rounds of connecting what a ray fires
 constexpr std::size_t PLONGEE = 40;                     // programs solved for one integer solution
@@ -112,7 +111,7 @@ Majorants::Majorants(const Net& net)
       jeton_(Jeton::trouver(net)),
       etats_(etats(net)),
       initial_(programme(net.transitions.size(), etats_, &travail_)) {
-    if (auto premiers = departs(net); premiers.size() > 1 && premiers.size() <= DEPARTS) departs_ = std::move(premiers);
+    if (auto premiers = departs(net); premiers.size() > 1) departs_ = std::move(premiers);
     if (!jeton_) return;
     for (std::uint32_t t = 0; t < net.transitions.size(); ++t)
         if (jeton_->de(t) == Jeton::NULLE_PART) return;
