@@ -140,15 +140,19 @@ inline Dialogs::Answer open(const std::string& path, const Dialogs::Answer& then
 
 enum Filter { klvFiles, anyFiles };
 
-/// Enters `name` in the folder `folder`.
+/// Enters `name` in the folder `folder`; again when the chooser, having read the folder, completes it to a file's name.
 inline Dialogs::Answer save(const std::string& folder, const std::string& name, Filter filter = klvFiles) {
-    return chooseFile(
+    const auto choose = chooseFile(
         [=](Gtk::FileChooserDialog& chooser) {
             chooser.set_filter(chooser.list_filters().at(filter));
             chooser.set_current_folder(folder);
-            chooser.set_current_name(name);
         },
         folder + "/" + name);
+    return [=](Gtk::Dialog& dialog) {
+        auto* const chooser = dynamic_cast<Gtk::FileChooserDialog*>(&dialog);
+        if (chooser != nullptr && chooser->get_current_name() != name) chooser->set_current_name(name);
+        return choose(dialog);
+    };
 }
 
 inline const DialogSeen chooserSeen{"Please choose a file", ""};
