@@ -10,31 +10,34 @@ namespace {
 
 constexpr unsigned RONDES = 16;  // of the steps that may let others do more; a net that needs them all is made up
 
-/// By transition whether it can be fired when firing takes nothing away.
+/// By transition whether it can be fired when firing takes nothing away, and there is enough of what some transition
+/// raises that can be fired.
 std::vector<bool> tirables(const Net& net) {
     std::vector<std::vector<std::uint32_t>> attendent(net.places.size());
-    std::vector<std::size_t> manques(net.transitions.size());
-    std::vector<bool> marquee(net.places.size(), false);
+    std::vector<std::size_t> manques(net.transitions.size(), 0);
+    std::vector<bool> montee(net.places.size(), false);
     std::vector<bool> resultat(net.transitions.size(), false);
     std::vector<std::uint32_t> prets;
     for (std::uint32_t t = 0; t < net.transitions.size(); ++t) {
-        for (const Poids& p : net.transitions[t].pre) attendent[p.place].push_back(t);
-        manques[t] = net.transitions[t].pre.size();
+        for (const Poids& p : net.transitions[t].pre) {
+            if (p.compte <= net.initial[p.place]) continue;
+            attendent[p.place].push_back(t);
+            ++manques[t];
+        }
         if (manques[t] == 0) prets.push_back(t);
     }
-    const auto arriver = [&](std::uint32_t place) {
-        if (marquee[place]) return;
-        marquee[place] = true;
+    const auto monter = [&](std::uint32_t place) {
+        if (montee[place]) return;
+        montee[place] = true;
         for (const std::uint32_t t : attendent[place])
             if (--manques[t] == 0) prets.push_back(t);
     };
-    for (std::uint32_t p = 0; p < net.places.size(); ++p)
-        if (net.initial[p] > 0) arriver(p);
     while (!prets.empty()) {
         const std::uint32_t t = prets.back();
         prets.pop_back();
         resultat[t] = true;
-        for (const Poids& p : net.transitions[t].post) arriver(p.place);
+        for (const Poids& e : net.transitions[t].effet)
+            if (e.compte > 0) monter(e.place);
     }
     return resultat;
 }
@@ -45,18 +48,6 @@ std::vector<bool> constantes(const Net& net) {
     for (const Transition& t : net.transitions)
         for (const Poids& e : t.effet) resultat[e.place] = false;
     return resultat;
-}
-
-/// Takes out the transitions that need more than there is of a place which none of them raises.
-void retirerAffamees(const Net& net, std::vector<bool>& vivantes) {
-    std::vector<bool> montee(net.places.size(), false);
-    for (std::uint32_t t = 0; t < vivantes.size(); ++t)
-        for (const Poids& e : net.transitions[t].effet)
-            if (vivantes[t] && e.compte > 0) montee[e.place] = true;
-    for (std::uint32_t t = 0; t < vivantes.size(); ++t)
-        vivantes[t] = vivantes[t] && std::ranges::none_of(net.transitions[t].pre, [&](const Poids& p) {
-                          return !montee[p.place] && p.compte > net.initial[p.place];
-                      });
 }
 
 }  // namespace
@@ -75,17 +66,12 @@ Reduction::Reduction(const Net& net) : transitions_(net.transitions.size()) {
     }
 }
 
-/// Without them places may be raised no more that others need.
 void Reduction::retirerMortes() {
+    const std::vector<bool> vivantes = tirables(net_);
     Mortes mortes;
-    for (bool change = true; change;) {
-        std::vector<bool> vivantes = tirables(net_);
-        retirerAffamees(net_, vivantes);
-        change = std::ranges::find(vivantes, false) != vivantes.end();
-        for (std::uint32_t t = 0; t < vivantes.size(); ++t)
-            if (!vivantes[t]) mortes.transitions.push_back(transitions_[t]);
-        garder(vivantes);
-    }
+    for (std::uint32_t t = 0; t < vivantes.size(); ++t)
+        if (!vivantes[t]) mortes.transitions.push_back(transitions_[t]);
+    garder(vivantes);
     etapes_.emplace_back(std::move(mortes));
     oublierConstantes();
 }

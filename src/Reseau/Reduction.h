@@ -1,8 +1,7 @@
 // Makes a net smaller that reaches the same counts, step by step until nothing changes any more:
 //
-//   - A transition that needs a place which no run can ever mark, or more than there is of a place that none raises, is
-//     never fired. The places that can be marked are over-approximated by firing everything without taking anything
-//     away.
+//   - A transition that needs more of a place than there is, where only transitions that are never fired raise it, is
+//     never fired. What can be fired is over-approximated by firing without taking anything away.
 //   - A place that no transition left changes is constant: it is settled, and nobody needs to ask it any more.
 //   - A transition that another one dominates, or that only takes, is never needed (Domination.h).
 //   - Of places that count the same one is enough (Parallele.h).

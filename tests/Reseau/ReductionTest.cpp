@@ -246,6 +246,21 @@ TEST(TransitionsMortes, NeedingMoreOfAPlaceThatIsOnlyTakenIsNever) {
     EXPECT_THAT(Reduit("tr t a*2 -> b\ntr u a -> c\npl a (2)\n").mortes, IsEmpty());
 }
 
+/// What raises a place is no help where it needs more of it itself than there is.
+TEST(TransitionsMortes, WhatOnlyDeadTransitionsRaiseStaysAsItIs) {
+    const std::string net = "tr t a*3 -> a*4 b\ntr u b*2 -> c\ntr v a -> d\npl a (2)\npl b (1)\n";
+    EXPECT_THAT(Reduit(net).mortes, UnorderedElementsAre("t", "u"));
+    EXPECT_EQ(bornes(net), (Bornes{{"a", 2}, {"b", 1}, {"c", 0}, {"d", 2}}));
+    EXPECT_THAT(Reduit("tr t a*3 -> a*4 b\ntr u b*2 -> c\ntr v -> a\npl a (2)\npl b (1)\n").mortes, IsEmpty());
+}
+
+/// Each raises what the next one needs, and the first one lacks a token.
+TEST(GrandesReductions, AChainOfDeadTransitionsIsGoneThroughOnce) {
+    std::ostringstream net;
+    for (int i = 0; i < 50000; ++i) net << "tr t" << i << " p" << i << "*2 -> p" << i + 1 << "\npl p" << i << " (1)\n";
+    EXPECT_THAT(Reduit(net.str()).mortes, testing::SizeIs(50000));
+}
+
 TEST(GrandesReductions, TenThousandParallelPlacesAreOne) {
     std::ostringstream net;
     net << "tr t z*2 ->";
