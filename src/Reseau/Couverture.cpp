@@ -161,7 +161,7 @@ bool Couverture::successeur(std::uint32_t tir) {
     Manque manque;
     courant_ = parent_;
     while (!franchissement_.tirer(tir, courant_.mots(), manque)) {
-        elargir(manque);
+        elargir();
         courant_ = parent_;
     }
     std::vector<std::uint32_t> pompes;
@@ -236,9 +236,14 @@ Couverture::Rang Couverture::compterLeCourant() {
     return rang;
 }
 
-/// Makes room for a count.
-void Couverture::elargir(const Manque& manque) {
-    plafonds_[manque.place] = manque.compte;
+/// Makes room for the successors of `parent_`: for all at once, since everything that is kept is converted.
+void Couverture::elargir() {
+    for (const std::uint32_t t : tirs_)
+        for (const Poids& e : net_.transitions[t].effet) {
+            const Compte avant = parent_[e.place];
+            if (e.compte > 0 && avant < OMEGA - e.compte)
+                plafonds_[e.place] = std::max(plafonds_[e.place], avant + e.compte);
+        }
     plafonds_ = elargissement_.plafonds(std::move(plafonds_), antichaine_.taille());
     auto champs = std::make_unique<const Champs>(plafonds_, true);
     antichaine_.convertir(*champs);

@@ -138,7 +138,7 @@ private:
     Rang compterLeCourant();
     bool accelerer(std::uint32_t tir, std::vector<std::uint32_t>& pompes);
     void garder(std::uint32_t parent, std::uint32_t tir, std::vector<std::uint32_t> pompes);
-    void elargir(const Manque& manque);
+    void elargir();
     /// The layout of the maximal markings.
     const Champs& champs() const { return enumeration_ ? enumeration_->champs() : *champs_; }
     /// Calls f(kept marking) for each maximal marking.

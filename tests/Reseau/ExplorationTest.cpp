@@ -266,6 +266,24 @@ TEST(AntichainesLarges, MarkingsOfAFewTokensAmongManyPlacesAreCoveredAndRetiredA
 }
 
 /// Once there are as many customers as one likes the rest of the shop only goes round; before, it can still be pumped.
+/// Each transition puts more into a place of its own than its field holds, and everything found so far is converted.
+TEST(CouvertureTest, RoomIsMadeForTheSuccessorsOfAMarkingAtOnce) {
+    constexpr int N = 3000;
+    std::ostringstream texte;
+    texte << "tr retour d -> c\npl c (1)\n";
+    for (int i = 0; i < N; ++i)
+        texte << "tr t" << i << " c a" << i << " -> d p" << i << '*' << 1000 + i << "\npl a" << i << " (1)\n";
+    std::istringstream in(texte.str());
+    const Reseau::Net net = Reseau::lire(in, "essai");
+    Reseau::Couverture couverture(net, 1);
+    EXPECT_FALSE(couverture.explorer(1, false));
+    EXPECT_EQ(couverture.maximaux(), std::uint64_t{N} + 1);
+    for (int i = 0; i < N; ++i) {
+        const auto p = std::ranges::find(net.places, "p" + std::to_string(i)) - net.places.begin();
+        ASSERT_EQ(couverture.maxima()[static_cast<std::size_t>(p)], 1000 + i) << i;
+    }
+}
+
 TEST(EpuisementTest, NothingIsLeftToAccelerateWhereTheFinitePlacesKeepAWeighting) {
     std::istringstream texte("tr a -> client\ntr b client libre -> servi\ntr c servi -> libre\npl libre (3)\n");
     const Reseau::Net lu = Reseau::lire(texte, "essai");
