@@ -267,32 +267,19 @@ void Tireur::noter(const Bloc& bloc) {
         }
 }
 
-/// Compares the end of the last run with the markings after each of its blocks: where one is covered, what comes after
-/// it can be repeated for ever.
+/// Compares the end of the last run with the markings after each of its blocks, the last one first: where one is
+/// covered, what comes after it can be repeated for ever.
 void Tireur::pomper() {
-    const std::size_t numero = courses_.size() - 1;
-    const Course& run = courses_[numero];
-    std::vector<std::vector<Compte>> marquages{net_.initial};
-    for (const Bloc& bloc : run) {
-        marquages.push_back(marquages.back());
-        parcourir(net_, bloc, marquages.back());
-    }
-    const std::vector<Compte>& fin = marquages.back();
+    const Course& run = courses_.back();
+    std::vector<Compte> fin = net_.initial;
+    for (const Bloc& bloc : run) parcourir(net_, bloc, fin);
+    std::vector<Compte> m = fin;
     for (std::size_t i = run.size(); i-- > 0;) {
-        Pompe pompe{numero, i, run.size(), {}, {}};
-        bool couverte = true;
-        for (std::uint32_t p = 0; p < fin.size() && couverte; ++p) {
-            couverte = marquages[i][p] <= fin[p];
-            if (marquages[i][p] > 0) pompe.besoin.push_back({p, marquages[i][p]});
-            if (marquages[i][p] < fin[p]) pompe.monte.push_back(p);
-        }
-        const auto neuve = [this](std::uint32_t p) { return minorants_[p] != OMEGA; };
-        if (!couverte || std::ranges::none_of(pompe.monte, neuve)) continue;
-        for (const std::uint32_t p : pompe.monte) {
-            minorants_[p] = OMEGA;
-            origines_[p] = {numero, run.size(), pompes_.size()};
-        }
-        pompes_.push_back(std::move(pompe));
+        parcourir(net_, {run[i].elans, -run[i].fois}, m);  // back
+        if (!std::ranges::equal(m, fin, std::ranges::less_equal())) continue;
+        bool neuve = false;
+        for (std::size_t p = 0; p < m.size() && !neuve; ++p) neuve = m[p] < fin[p] && minorants_[p] != OMEGA;
+        if (neuve) pomper(i, run.size());
     }
 }
 
@@ -395,7 +382,7 @@ Creux Tireur::arrivee(const Course& course) const {
     for (const Bloc& b : course) {
         for (const Elan& e : b.elans) suivre(e, m);
         if (b.fois == 1) continue;
-        for (const Elan& e : b.elans) appliquer(net_.transitions[e.transition], produit(e.fois, b.fois - 2), m);
+        parcourir(net_, {b.elans, b.fois - 2}, m);  // what one transition moves in all need not fit
         for (const Elan& e : b.elans) suivre(e, m);
     }
     Creux v;

@@ -90,6 +90,26 @@ TEST(LimitesEnMasse, ACountThatIsPassedOneByOneIsAnErrorToo) {
     }
 }
 
+/// All firings of one transition together put more than fits, but what they put is taken each time.
+TEST(LimitesEnMasse, WhatARunMovesInAllNeedNotFit) {
+    constexpr Reseau::Compte MILLIARD = 1'000'000'000;
+    constexpr Reseau::Compte BILLIARD = 1'000'000'000'000'000;
+    const std::string net =
+        "tr t a p -> b q*1000000000000000\ntr u b q*1000000000000000 -> a r\ntr v c q d -> e d q\ntr w d q*3 -> f z\n"
+        "pl a (1)\npl c (1)\npl d (1)\npl p (1000000000)\n";
+    for (const std::uint64_t essai : {0U, 100U})
+        EXPECT_EQ(bornes(net, essai), (Bornes{{"a", 1},
+                                              {"b", 1},
+                                              {"c", 1},
+                                              {"d", 1},
+                                              {"e", 1},
+                                              {"f", 1},
+                                              {"p", MILLIARD},
+                                              {"q", BILLIARD},
+                                              {"r", MILLIARD},
+                                              {"z", 1}}));
+}
+
 /// The run in bulk leaves 64 bits, but only where there is no largest count.
 TEST(LimitesEnMasse, WhatLeaves64BitsInAnUnboundedPlaceIsNoError) {
     for (const std::uint64_t essai : {0U, 100U})
