@@ -23,9 +23,19 @@ constexpr Large INFINI = static_cast<Large>(1) << 126;
 Accelerations::Accelerations(const Net& net)
     : net_(net),
       parBesoin_(net.places.size()),
+      parOmega_(net.places.size()),
+      tirsParBesoin_(net.places.size()),
+      tirsParOmega_(net.places.size()),
       pre_(net.places.size(), 0),
       effet_(net.places.size(), 0),
-      touchee_(net.places.size(), 0) {}
+      touchee_(net.places.size(), 0) {
+    for (std::uint32_t t = 0; t < net.transitions.size(); ++t) {
+        const Transition& tir = net.transitions[t];
+        if (std::ranges::none_of(tir.effet, [](const Poids& e) { return e.compte > 0; })) continue;
+        if (tir.pre.empty()) tirsAEssayer_.push_back(t);
+        for (const Poids& p : tir.pre) attente(tir, p.place).push_back(t);
+    }
+}
 
 void Accelerations::toucher(std::uint32_t place) {
     if (touchee_[place]) return;
@@ -83,13 +93,19 @@ std::uint32_t Accelerations::apprendre(std::vector<Pas> pas) {
     if (std::ranges::none_of(actives_, [&](std::uint32_t i) { return subsume(liste_[i], neuve); })) {
         std::erase_if(actives_, [&](std::uint32_t i) {
             if (!subsume(neuve, liste_[i])) return false;
-            for (const Poids& p : liste_[i].pre) std::erase(parBesoin_[p.place], i);
+            for (const Poids& p : liste_[i].pre) std::erase(attente(p), i);
             return true;
         });
         actives_.push_back(numero);
-        for (const Poids& p : neuve.pre) parBesoin_[p.place].push_back(numero);
+        for (const Poids& p : neuve.pre) attente(p).push_back(numero);
     }
     return numero;
+}
+
+/// The acceleration that repeats one transition.
+std::uint32_t Accelerations::apprendre(std::uint32_t tir) {
+    for (const Poids& p : net_.transitions[tir].pre) std::erase(attente(net_.transitions[tir], p.place), tir);
+    return apprendre(std::vector<Pas>{{Pas::TIR, tir}});
 }
 
 bool Accelerations::applicable(const Acceleration& a, const Marquage& m) const {
@@ -97,40 +113,72 @@ bool Accelerations::applicable(const Acceleration& a, const Marquage& m) const {
            std::ranges::all_of(a.pre, [&](const Poids& p) { return m[p.place] >= p.compte; });
 }
 
-void Accelerations::appliquer(Marquage& m, std::vector<std::uint32_t>& appliquees) const {
+/// Whether the transition can be fired as often as one likes, and adds to a finite place.
+bool Accelerations::repetable(const Transition& t, const Marquage& m) const {
+    bool ajoute = false;
+    for (const Poids& e : t.effet) {
+        if (m[e.place] == OMEGA) continue;
+        if (e.compte < 0) return false;
+        ajoute = true;
+    }
+    return ajoute && std::ranges::all_of(t.pre, [&](const Poids& p) { return m[p.place] >= p.compte; });
+}
+
+void Accelerations::appliquer(Marquage& m, std::vector<std::uint32_t>& appliquees) {
     aEssayer_ = actives_;
     propager(m, appliquees);
 }
 
 void Accelerations::appliquer(Marquage& m, const Creux& effet, std::uint32_t connues,
-                              std::vector<std::uint32_t>& appliquees) const {
-    aEssayer_.clear();
+                              std::vector<std::uint32_t>& appliquees) {
     for (const Poids& e : effet)
-        if (e.compte > 0) essayer(e.place);
+        if (e.compte > 0) essayer(e.place, m);
     aEssayer_.insert(aEssayer_.end(), std::ranges::lower_bound(actives_, connues), actives_.end());
     propager(m, appliquees);
 }
 
-/// Applies what is to be tried, and then what that makes possible.
-void Accelerations::propager(Marquage& m, std::vector<std::uint32_t>& appliquees) const {
-    while (!aEssayer_.empty()) {
-        const std::uint32_t i = aEssayer_.back();
-        aEssayer_.pop_back();
-        if (!applicable(liste_[i], m)) continue;
-        for (const std::uint32_t p : liste_[i].pompes)
-            if (m[p] != OMEGA) essayer(p);
-        pomper(liste_[i], m);
-        appliquees.push_back(i);
+void Accelerations::appliquer(std::uint32_t numero, Marquage& m, std::vector<std::uint32_t>& appliquees) {
+    pomper(numero, m, appliquees);
+    propager(m, appliquees);
+}
+
+/// Applies what is to be tried, and then what that makes possible; what is known already first.
+void Accelerations::propager(Marquage& m, std::vector<std::uint32_t>& appliquees) {
+    while (true) {
+        if (!aEssayer_.empty()) {
+            const std::uint32_t i = aEssayer_.back();
+            aEssayer_.pop_back();
+            if (applicable(liste_[i], m)) pomper(i, m, appliquees);
+        } else if (!tirsAEssayer_.empty()) {
+            const std::uint32_t t = tirsAEssayer_.back();
+            tirsAEssayer_.pop_back();
+            if (repetable(net_.transitions[t], m)) pomper(apprendre(t), m, appliquees);
+        } else {
+            return;
+        }
     }
 }
 
-void Accelerations::essayer(std::uint32_t place) const {
-    aEssayer_.insert(aEssayer_.end(), parBesoin_[place].begin(), parBesoin_[place].end());
+/// Puts what may have become possible because `place` has gained on what is to be tried.
+void Accelerations::essayer(std::uint32_t place, const Marquage& m) {
+    const auto joindre = [place](std::vector<std::uint32_t>& liste, const Listes& listes) {
+        liste.insert(liste.end(), listes[place].begin(), listes[place].end());
+    };
+    joindre(aEssayer_, parBesoin_);
+    joindre(tirsAEssayer_, tirsParBesoin_);
+    if (m[place] != OMEGA) return;
+    joindre(aEssayer_, parOmega_);
+    joindre(tirsAEssayer_, tirsParOmega_);
 }
 
-void pomper(const Acceleration& a, Marquage& m) {
-    for (const std::uint32_t p : a.pompes)
-        if (m[p] != OMEGA) m.poser(p, OMEGA);
+/// Raises what an acceleration pumps.
+void Accelerations::pomper(std::uint32_t numero, Marquage& m, std::vector<std::uint32_t>& appliquees) {
+    appliquees.push_back(numero);
+    for (const std::uint32_t p : liste_[numero].pompes) {
+        if (m[p] == OMEGA) continue;
+        m.poser(p, OMEGA);
+        essayer(p, m);
+    }
 }
 
 }  // namespace Reseau

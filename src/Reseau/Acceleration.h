@@ -6,6 +6,9 @@
 // Source: A. Finkel, S. Haddad, I. Khmelnitsky, "Commodification of accelerations for the Karp and Miller
 // construction", Discrete Event Dynamic Systems 31 (2021). As there, an entry of `pre` may be OMEGA: the
 // sequence consumes that place in the balance, and is repeatable only where the place is omega already.
+//
+// A transition is such a sequence by itself, wherever what it consumes in the balance is omega: that needs no search,
+// and it is learnt the first time that it can be repeated.
 #pragma once
 
 #include <cstdint>
@@ -42,18 +45,30 @@ public:
     /// @return its number
     std::uint32_t apprendre(std::vector<Pas> pas);
 
-    /// Applies every known acceleration to `m` until none changes it; appends the numbers of those that did
-    /// to `appliquees`.
-    void appliquer(Marquage& m, std::vector<std::uint32_t>& appliquees) const;
-    /// The same for a successor, by `effet`, of a marking that the first `connues` did not change: only those can
-    /// change `m` that need a place which has gained since.
-    void appliquer(Marquage& m, const Creux& effet, std::uint32_t connues,
-                   std::vector<std::uint32_t>& appliquees) const;
+    /// Applies every known acceleration to `m`, which no transition can be repeated in, until none changes it; appends
+    /// the numbers of those that did to `appliquees`.
+    void appliquer(Marquage& m, std::vector<std::uint32_t>& appliquees);
+    /// The same for a successor, by `effet`, of a marking that the first `connues` did not change, nor any transition:
+    /// only those can change `m` that need a place which has gained since. The first one comes from nothing.
+    void appliquer(Marquage& m, const Creux& effet, std::uint32_t connues, std::vector<std::uint32_t>& appliquees);
+    /// Applies one to `m`, which no other one changes, and then what that makes possible.
+    void appliquer(std::uint32_t numero, Marquage& m, std::vector<std::uint32_t>& appliquees);
 
 private:
-    void propager(Marquage& m, std::vector<std::uint32_t>& appliquees) const;
-    void essayer(std::uint32_t place) const;
+    using Listes = std::vector<std::vector<std::uint32_t>>;
+
+    std::vector<std::uint32_t>& attente(const Poids& besoin) {
+        return (besoin.compte == OMEGA ? parOmega_ : parBesoin_)[besoin.place];
+    }
+    std::vector<std::uint32_t>& attente(const Transition& t, std::uint32_t place) {
+        return (valeur(t.effet, place) < 0 ? tirsParOmega_ : tirsParBesoin_)[place];
+    }
+    void propager(Marquage& m, std::vector<std::uint32_t>& appliquees);
+    void essayer(std::uint32_t place, const Marquage& m);
+    void pomper(std::uint32_t numero, Marquage& m, std::vector<std::uint32_t>& appliquees);
     bool applicable(const Acceleration& a, const Marquage& m) const;
+    bool repetable(const Transition& t, const Marquage& m) const;
+    std::uint32_t apprendre(std::uint32_t tir);
     void suivre(const Pas& p);
     void exiger(std::uint32_t place, Compte besoin);
     void ajouter(std::uint32_t place, Compte effet);
@@ -61,17 +76,21 @@ private:
 
     const Net& net_;
     std::vector<Acceleration> liste_;
-    std::vector<std::uint32_t> actives_;                 // those not subsumed by another one, ascending
-    std::vector<std::vector<std::uint32_t>> parBesoin_;  // of them, by place, those that need it
-    mutable std::vector<std::uint32_t> aEssayer_;
+    std::vector<std::uint32_t> actives_;  // those not subsumed by another one, ascending
+    // By place: of the active ones, and of the transitions that are not learnt, those that need some tokens of it, and
+    // those that need it to be omega.
+    Listes parBesoin_;
+    Listes parOmega_;
+    Listes tirsParBesoin_;
+    Listes tirsParOmega_;
+    // Numbers and transitions; empty between calls, but for the transitions that need nothing before the first one.
+    std::vector<std::uint32_t> aEssayer_;
+    std::vector<std::uint32_t> tirsAEssayer_;
     // Working state of `apprendre`, by place; clean between calls.
     std::vector<Large> pre_;
     std::vector<Large> effet_;
     std::vector<char> touchee_;
     std::vector<std::uint32_t> touchees_;
 };
-
-/// Fires one acceleration: its pumped places become OMEGA.
-void pomper(const Acceleration& a, Marquage& m);
 
 }  // namespace Reseau

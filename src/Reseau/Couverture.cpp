@@ -47,7 +47,9 @@ bool Couverture::explorer(std::uint64_t limite, bool arretOmega) {
 void Couverture::commencer() {
     commencee_ = true;
     for (std::uint32_t p = 0; p < net_.places.size(); ++p) courant_.poser(p, initial_[p]);
-    garder(AUCUN, AUCUN, {});
+    std::vector<std::uint32_t> pompes;
+    accelerations_.appliquer(courant_, champs_->creux(courant_.mots()), 0, pompes);
+    garder(AUCUN, AUCUN, std::move(pompes));
 }
 
 /// Whether every place has been seen with the tokens aimed at.
@@ -165,7 +167,12 @@ bool Couverture::successeur(std::uint32_t tir) {
         courant_ = parent_;
     }
     std::vector<std::uint32_t> pompes;
+    const bool aucune = accelerations_.nombre() == 0;
     accelerations_.appliquer(courant_, net_.transitions[tir].effet, connues_, pompes);
+    if (aucune && accelerations_.nombre() > 0) {
+        tige_ = arbre_.chemin(noeud_);
+        tige_.push_back({Pas::TIR, tir});
+    }
     if (connu()) return false;
     if (!incomparables_ && !epuise_ && accelerer(tir, pompes) && connu()) return false;
     garder(noeud_, tir, std::move(pompes));
@@ -194,9 +201,7 @@ bool Couverture::accelerer(std::uint32_t tir, std::vector<std::uint32_t>& pompes
             std::ranges::reverse(chemin);
             if (accelerations_.nombre() == 0) tige_ = arbre_.chemin(lignee_.noeud(d));
             const std::uint32_t neuve = accelerations_.apprendre(std::move(chemin));
-            pomper(accelerations_[neuve], courant_);
-            pompes.push_back(neuve);
-            accelerations_.appliquer(courant_, pompes);
+            accelerations_.appliquer(neuve, courant_, pompes);
             accelere = change = true;
         }
     }

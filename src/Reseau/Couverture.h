@@ -2,10 +2,10 @@
 // the closure of what the net can reach. Every question asked here is read off it.
 //
 // The construction keeps an index over the maximal markings and a frontier, and repeats: take the frontier's marking
-// with the most tokens (first the most omegas; of equals the one that spreads them over the most places); fire each
-// transition; apply every acceleration learnt so far; drop the successor when a kept marking covers it; otherwise
-// compare it with its ancestors, and where it strictly covers one, learn the acceleration of the path between them and
-// apply it; then keep it, and retire the maximal markings that it covers.
+// with the most omegas (of equals the one with the most marked places, then the most tokens); fire each transition;
+// apply every acceleration learnt so far, and every transition that can be repeated; drop the successor when a kept
+// marking covers it; otherwise compare it with its ancestors, and where it strictly covers one, learn the acceleration
+// of the path between them and apply it; then keep it, and retire the maximal markings that it covers.
 //
 // Why the answer is exact, whatever the order: what is kept is reachable or a limit of reachable markings,
 // since firing and accelerating are. At the end every maximal marking has been expanded and each of its
@@ -117,10 +117,10 @@ private:
     /// What is expanded first: the greatest.
     struct Rang {
         std::uint32_t omegas;
-        std::uint64_t jetons;
         std::uint32_t marquees;  // places
+        std::uint64_t jetons;
         bool operator<(const Rang& autre) const {
-            return std::tie(omegas, jetons, marquees) < std::tie(autre.omegas, autre.jetons, autre.marquees);
+            return std::tie(omegas, marquees, jetons) < std::tie(autre.omegas, autre.marquees, autre.jetons);
         }
     };
 

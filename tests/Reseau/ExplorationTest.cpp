@@ -305,6 +305,44 @@ TEST(EpuisementTest, NothingIsLeftToAccelerateWhereTheFinitePlacesKeepAWeighting
     for (int i = 0; i < 1000; ++i) EXPECT_FALSE(epuisement.chez(champs, autre.data()));
 }
 
+Reseau::Net lireLeNet(const std::string& texte) {
+    std::istringstream in(texte);
+    return Reseau::lire(in, "essai");
+}
+
+TEST(AccelerationsTest, ATransitionIsRepeatedWithoutSearchWhereWhatItConsumesIsOmega) {
+    const Reseau::Net net = lireLeNet(
+        "tr a q -> q p\ntr b p*3 -> r\ntr c r s -> s*2\ntr d s*7 t -> u s*7 t\ntr e v r -> w r*9\ntr f e0 p -> e0 e0\n"
+        "pl q (1)\npl t (1)\npl s (1)\npl v (5)\n");
+    Reseau::Couverture c(net, 1);
+    c.garderLesChemins();
+    ASSERT_TRUE(c.explorer(SANS_LIMITE, false));
+    std::vector<std::vector<Reseau::Pas>> apprises;
+    for (std::uint32_t i = 0; i < c.accelerations().nombre(); ++i) apprises.push_back(c.accelerations()[i].pas);
+    const auto tir = [](std::uint32_t t) { return std::vector{Reseau::Pas{Reseau::Pas::TIR, t}}; };
+    EXPECT_THAT(apprises, testing::UnorderedElementsAre(tir(0), tir(1), tir(2), tir(3)));
+    EXPECT_THAT(c.tige(), testing::IsEmpty());
+    EXPECT_EQ(apprises.front(), tir(0));
+}
+
+TEST(AccelerationsTest, TheFirstRepeatedTransitionComesAfterTheRunThatMakesItPossible) {
+    const Reseau::Net net = lireLeNet("tr a p -> q\ntr b q -> r\ntr c r -> r s\ntr d s -> p\npl p (1)\n");
+    Reseau::Couverture c(net, 1);
+    ASSERT_TRUE(c.explorer(SANS_LIMITE, false));
+    EXPECT_THAT(c.tige(), testing::ElementsAre(Reseau::Pas{Reseau::Pas::TIR, 0}, Reseau::Pas{Reseau::Pas::TIR, 1}));
+    EXPECT_THAT(c.accelerations()[0].pas, testing::ElementsAre(Reseau::Pas{Reseau::Pas::TIR, 2}));
+    EXPECT_EQ(c.explores(), 2U) << "what follows is everything, without bounds";
+    EXPECT_THAT(c.maxima(), testing::Each(OMEGA));
+}
+
+TEST(AccelerationsTest, WhatNeedsNothingIsRepeatedAtOnce) {
+    const Reseau::Net net = lireLeNet("tr a -> p\ntr b p -> q\ntr c q*5 -> r*2\n");
+    Reseau::Couverture c(net, 1);
+    ASSERT_TRUE(c.explorer(0, false));
+    EXPECT_EQ(c.maximaux(), 1U);
+    EXPECT_THAT(c.maxima(), testing::Each(OMEGA));
+}
+
 TEST(FranchissementTest, TheUsefulTransitionsAreThoseThatAScanOfAllFinds) {
     Hasard h(8);
     for (int tour = 0; tour < 300; ++tour) {

@@ -8,6 +8,7 @@
 #include "Outils.h"
 #include "Reseau/Couverture.h"
 #include "Reseau/Lecture.h"
+#include "reseau_familles.h"
 #include "reseau_publies.h"
 
 namespace {
@@ -65,5 +66,28 @@ TEST_P(EnsemblesMinimaux, EveryPublishedConstructionGivesTheSame) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Tranches, EnsemblesMinimaux, testing::Range(0, TRANCHES));
+
+/// On unbounded random nets, taken together, it expands no more than the best of all on each.
+TEST(EnsemblesMinimauxDeNetsDenses, FewerMarkingsAreExpandedThanByThePublishedConstructions) {
+    std::uint64_t explores = 0;
+    std::uint64_t moindres = 0;
+    int compares = 0;
+    for (int graine = 0; graine < 40; ++graine) {
+        const Reseau::Net net = familles::dense(graine);
+        Reseau::Couverture c(net, 1);
+        if (!c.explorer(EXPLORES, false) || !c.nonBornee()) continue;
+        std::uint64_t meilleure = EXPLORES;
+        for (const etalon::Publiee& publiee : etalon::publiees())
+            for (const etalon::Ordre ordre : publiee.ordres)
+                if (const auto construction = publiee.construire(net, ordre, SUCCESSEURS))
+                    meilleure = std::min(meilleure, construction->explores);
+        if (meilleure == EXPLORES) continue;
+        ++compares;
+        explores += c.explores();
+        moindres += meilleure;
+    }
+    EXPECT_GE(compares, 15);
+    EXPECT_LT(explores, moindres);
+}
 
 }  // namespace
