@@ -160,9 +160,8 @@ void Couverture::fermer(std::uint32_t noeud) {
 
 /// @return whether the successor is kept
 bool Couverture::successeur(std::uint32_t tir) {
-    Manque manque;
     courant_ = parent_;
-    while (!franchissement_.tirer(tir, courant_.mots(), manque)) {
+    while (!franchissement_.tirer(tir, courant_.mots())) {
         elargir();
         courant_ = parent_;
     }

@@ -99,15 +99,15 @@ void Enumeration::developper(Tranche& tranche, std::uint64_t debut, std::uint64_
         franchissement_.utiles(parent, tranche.tirs);
         for (const std::uint32_t t : tranche.tirs) {
             std::copy_n(parent, mots, courant.begin());
-            Manque manque;
-            if (!franchissement_.tirer(t, courant.data(), manque)) {
-                tranche.etroit = true;
-                tranche.maxima[manque.place] = std::max(tranche.maxima[manque.place], manque.compte);
-                continue;
-            }
+            const bool tient = franchissement_.tirer(t, courant.data());
             for (const Poids& e : net_.transitions[t].effet)
                 if (e.compte > 0)
-                    tranche.maxima[e.place] = std::max(tranche.maxima[e.place], champs_.lire(courant.data(), e.place));
+                    tranche.maxima[e.place] =
+                        std::max(tranche.maxima[e.place], somme(champs_.lire(parent, e.place), e.compte));
+            if (!tient) {
+                tranche.etroit = true;
+                continue;
+            }
             const std::uint64_t h = empreinte(courant.data(), mots);
             std::vector<Mot>& sortie = tranche.successeurs[sectionDe(h)];
             sortie.push_back(h);

@@ -39,7 +39,7 @@ void Franchissement::traduire(const Champs& champs) {
     const auto traduit = [&champs](std::uint32_t place, Compte compte) {
         const Champs::Champ& c = champs.champ(place);
         const Compte omega = champs.omegas() ? static_cast<Compte>(c.masque) : -1;
-        return Arc{c.masque, compte, omega, champs.plafond(place), place, c.mot, c.decalage};
+        return Arc{c.masque, compte, omega, champs.plafond(place), c.mot, c.decalage};
     };
     const auto ici = [this] { return static_cast<std::uint32_t>(arcs_.size()); };
     for (const Transition& t : net_.transitions) {

@@ -15,12 +15,6 @@
 
 namespace Reseau {
 
-/// A count that has no room in its field.
-struct Manque {
-    std::uint32_t place = 0;
-    Compte compte = 0;
-};
-
 class Franchissement {
 public:
     /// @param net, champs must outlive it
@@ -45,18 +39,14 @@ public:
     /// The useful transitions, in ascending order.
     void utiles(const Mot* m, std::vector<std::uint32_t>& tirs) const;
     /// Fires a transition that `m` enables.
-    /// @return whether every count fits; if not, `m` is spoilt and `manque` tells what does not
+    /// @return whether every count fits into its field; if not, `m` is spoilt
     /// @throws Debordement
-    bool tirer(std::uint32_t t, Mot* m, Manque& manque) const {
+    bool tirer(std::uint32_t t, Mot* m) const {
         for (std::uint32_t i = tirs_[t].effets; i < tirs_[t].fin; ++i) {
             const Arc& a = arcs_[i];
             const Compte v = valeurEn(m, a);
             if (v == a.omega) continue;
-            const Compte neuve = somme(v, a.compte);
-            if (neuve > a.plafond) {
-                manque = {a.place, neuve};
-                return false;
-            }
+            if (somme(v, a.compte) > a.plafond) return false;
             m[a.mot] += static_cast<Mot>(a.compte) << a.decalage;
         }
         return true;
@@ -68,7 +58,6 @@ private:
         Compte compte;   // of a need: what its field must hold at least; of an effect: what is added to it
         Compte omega;    // what stands for it in the field, -1 when nothing does
         Compte plafond;  // the largest finite count of the field
-        std::uint32_t place;
         std::uint32_t mot;
         std::uint32_t decalage;
     };
