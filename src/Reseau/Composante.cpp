@@ -6,7 +6,7 @@ namespace Reseau {
 
 namespace {
 
-constexpr std::uint64_t TRAVAIL = 200'000;  // arcs followed for one place
+constexpr std::uint64_t TRAVAIL = 400'000;  // arcs followed for one place
 constexpr Compte PESANT = 1000;             // no token weighs more
 
 }  // namespace
@@ -76,7 +76,8 @@ bool Composantes::propager(const std::vector<Compte>& vus) {
 
 /// The places that `transition` takes from and that can come in, with the weights that make it add no more, those with
 /// the fewest tokens first. Where there is none, those that are in already and can weigh more.
-std::vector<Poids> Composantes::candidates(std::uint32_t transition, const std::vector<Compte>& vus) const {
+std::vector<Poids> Composantes::candidates(std::uint32_t transition, const std::vector<Compte>& vus) {
+    depenser(net_.transitions[transition].effet.size());
     std::vector<Poids> neuves;
     std::vector<Poids> anciennes;
     for (const Poids& e : net_.transitions[transition].effet) {
@@ -104,7 +105,7 @@ void Composantes::ajouter(const Poids& p) {
     poids_[p.place] += p.compte;
     ajouts_.push_back(p);
     jetons_ += static_cast<Large>(p.compte) * net_.initial[p.place];
-    travail_ -= std::min<std::uint64_t>(travail_, arcs_[p.place].size());
+    depenser(arcs_[p.place].size());
     for (const Arc& a : arcs_[p.place]) {
         const bool gagnait = gains_[a.transition] > 0;
         gains_[a.transition] += static_cast<Large>(p.compte) * a.effet;

@@ -9,6 +9,7 @@
 // components of M. Hack, "Analysis of production schemata by Petri nets" (1972).
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -44,9 +45,10 @@ private:
 
     bool completer(const std::vector<Compte>& vus);
     bool propager(const std::vector<Compte>& vus);
-    std::vector<Poids> candidates(std::uint32_t transition, const std::vector<Compte>& vus) const;
+    std::vector<Poids> candidates(std::uint32_t transition, const std::vector<Compte>& vus);
     bool admissible(const Poids& p, const std::vector<Compte>& vus) const;
     Large capacite(Large poids) const { return poids * (static_cast<Large>(borne_) + 1) - 1; }
+    void depenser(std::size_t arcs) { travail_ -= std::min<std::uint64_t>(travail_, arcs); }
     void ajouter(const Poids& p);
     void revenir(std::size_t taille);
 

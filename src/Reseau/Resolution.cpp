@@ -20,9 +20,9 @@ constexpr unsigned EFFORTS = 5;      // of the state equation
 constexpr unsigned TOURS = 8;        // of taking turns; no net is complete after so many markings that was not before
 constexpr unsigned CROISSANCE = 3;   // powers of two by which a turn of the exploration is longer than the one before:
                                      // it may then cost about as much as the state equation's next one
-constexpr std::uint64_t COMPOSANTES = 4'000'000;  // arcs followed in one turn
-constexpr std::uint64_t COMPOSANTE = 20'000;      // and for one place on a visit
-constexpr std::uint64_t VISITES = 20'000;         // arcs looked at for each place in the first turn
+constexpr std::uint64_t COMPOSANTES = 8'000'000;  // arcs followed in one turn
+constexpr std::uint64_t COMPOSANTE = 40'000;      // and for one place on a visit
+constexpr std::uint64_t VISITES = 25'000;         // arcs looked at for each place in the first turn
 constexpr std::uint64_t QUESTIONS = 8;  // that may use up all their effort before the exploration has its turn
 constexpr Large TOUT = static_cast<Large>(1) << 125;  // any finite bound is good enough
 

@@ -25,8 +25,10 @@ Visites::Visites(const Net& net)
       prix_(net.places.size()),
       depenses_(net.transitions.size()),
       bilan_(net.places.size(), 0) {
-    for (std::uint32_t t = 0; t < net.transitions.size(); ++t)
+    for (std::uint32_t t = 0; t < net.transitions.size(); ++t) {
         for (const Poids& p : net.transitions[t].pre) demandes_[p.place].push_back({t, p.compte});
+        besoins_ += net.transitions[t].pre.size();
+    }
 }
 
 void Visites::aller(std::vector<Compte>& vus, const But& but, Tireur& tireur, std::uint64_t travail) {
@@ -107,12 +109,13 @@ void Visites::preparer() {
         depenses_[t] = {1, static_cast<std::uint32_t>(attend)};
         if (attend == 0) proposer(t);
     }
-    depenser(depenses_.size() * 2);
+    depenser(prix_.size() + besoins_);
 }
 
 /// Offers what a transition adds to for its price.
 void Visites::proposer(std::uint32_t tir) {
     const Cout cout = depenses_[tir].cout;
+    depenser(net_.transitions[tir].effet.size());
     for (const Poids& e : net_.transitions[tir].effet) {
         Prix& prix = prix_[e.place];
         if (e.compte < 0 || prix.fixe || cout >= prix.cout) continue;
@@ -180,6 +183,7 @@ std::uint32_t Visites::manque(std::uint32_t tir) const {
 /// @return whether every count fits
 bool Visites::tirer(std::uint32_t tir) {
     const Creux& effet = net_.transitions[tir].effet;
+    depenser(effet.size());
     for (const Poids& e : effet)
         if (e.compte > 0 && marquage_[e.place] >= OMEGA - e.compte) return false;
     for (const Poids& e : effet) marquage_[e.place] += e.compte;
@@ -207,8 +211,9 @@ void Visites::pomper(std::uint32_t place) {
     std::size_t negatives = 0;
     std::size_t debut = course_.size();
     bool pompe = false;
-    while (debut > 0 && !pompe && depenser(4)) {
+    while (debut > 0 && !pompe && travail_ > 0) {
         const Elan& elan = course_[--debut].elans[0];
+        depenser(net_.transitions[elan.transition].effet.size());
         for (const Poids& e : net_.transitions[elan.transition].effet) {
             Compte& ici = bilan_[e.place];
             negatives -= ici < 0 ? 1 : 0;

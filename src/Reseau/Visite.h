@@ -74,6 +74,7 @@ private:
 
     const Net& net_;
     std::vector<std::vector<Poids>> demandes_;  // by place, the transitions (as `place`) that need it, and how much
+    std::size_t besoins_ = 0;                   // of all transitions together
     std::vector<Compte>* vus_ = nullptr;
     const But* but_ = nullptr;
     std::vector<bool> vise_;  // by place

@@ -26,6 +26,8 @@
 #include "Reseau/Franchissement.h"
 #include "Reseau/Lecture.h"
 #include "Reseau/Reseau.h"
+#include "Reseau/Tir.h"
+#include "Reseau/Visite.h"
 #include "reseau_familles.h"
 
 namespace {
@@ -284,6 +286,22 @@ TEST(CouvertureTest, RoomIsMadeForTheSuccessorsOfAMarkingAtOnce) {
     }
 }
 
+TEST(EnumerationTest, RoomIsMadeForAllPlacesOfASuccessorAtOnce) {
+    constexpr std::uint32_t N = 20000;
+    Reseau::Net net;
+    net.places.resize(N + 1);
+    net.initial.assign(N + 1, 0);
+    net.initial[N] = 1;
+    Reseau::Creux post;
+    for (std::uint32_t p = 0; p < N; ++p) post.push_back({p, 1000 + p});
+    net.ajouter("t", {{N, 1}}, post);
+    Reseau::Couverture couverture(net, 1);
+    couverture.declarerIncomparables();
+    EXPECT_TRUE(couverture.explorer(10, false));
+    EXPECT_EQ(couverture.maximaux(), 2U);
+    for (std::uint32_t p = 0; p < N; ++p) ASSERT_EQ(couverture.maxima()[p], 1000 + p) << p;
+}
+
 TEST(EpuisementTest, NothingIsLeftToAccelerateWhereTheFinitePlacesKeepAWeighting) {
     std::istringstream texte("tr a -> client\ntr b client libre -> servi\ntr c servi -> libre\npl libre (3)\n");
     const Reseau::Net lu = Reseau::lire(texte, "essai");
@@ -442,6 +460,28 @@ TEST(VisitesTest, LargeNetsOfSmallPartsAreAnsweredWithoutExploringThem) {
         EXPECT_EQ(infinies, nom == "assembly" ? 1U : bornee ? 0U : static_cast<std::size_t>(n) + 1) << nom;
         EXPECT_EQ(Reseau::analyser(net, {.verdictSeul = true}).bornee, bornee) << nom;
     }
+}
+
+/// Transitions of thousands of arcs: what a walk costs is counted by arcs, so that it ends soon.
+TEST(VisitesTest, WideTransitionsCostAsMuchAsTheyAreWide) {
+    constexpr std::uint32_t LARGES = 10;
+    constexpr std::uint32_t PLACES = 10000;
+    Reseau::Net net;
+    net.places.resize(LARGES + PLACES + 1);
+    net.initial.assign(net.places.size(), 0);
+    net.initial[0] = 1;
+    net.initial.back() = 1'000'000;
+    for (std::uint32_t t = 0; t < LARGES; ++t) {
+        Reseau::Creux post{{(t + 1) % LARGES, 1}};
+        for (std::uint32_t p = t % 3; p < PLACES; p += 3) post.push_back({LARGES + p, 1 + (p * (t + 1)) % 7});
+        net.ajouter("t", {{t, 1}, {LARGES + PLACES, 1}}, post);
+    }
+    Reseau::Tireur tireur(net);
+    std::vector<Compte> vus = net.initial;
+    Reseau::Visites(net).aller(
+        vus, [](std::uint32_t) { return true; }, tireur, 20'000 * std::uint64_t{PLACES});
+    EXPECT_EQ(tireur.minorants(), vus);
+    EXPECT_EQ(std::count(vus.begin() + LARGES, vus.end(), 0), 0);
 }
 
 TEST(EquipeTest, EveryMemberDoesItsPartAndTheFirstErrorIsThrown) {
