@@ -1,5 +1,6 @@
 // Writes the report. Its reader looks for the words "not bounded" and for lines with a colon, so a colon
-// stands in marking lines only and no name of the user's stands in the verdict.
+// stands in marking lines only and no name of the user's stands in the verdict. (A certificate, which is for another
+// reader, holds names as they are.)
 #pragma once
 
 #include <ostream>

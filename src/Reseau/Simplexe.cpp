@@ -12,16 +12,18 @@ namespace Reseau {
 
 namespace {
 
+constexpr Large SANS_OPPOSE = -(Large{1} << 126) - (Large{1} << 126);  // the only number whose negative does not fit
+
 Large fois(Large a, Large b) {
     if (a == static_cast<std::int64_t>(a) && b == static_cast<std::int64_t>(b)) return a * b;
     Large p = 0;
-    if (__builtin_mul_overflow(a, b, &p)) throw Abandon();
+    if (__builtin_mul_overflow(a, b, &p) || p == SANS_OPPOSE) throw Abandon();
     return p;
 }
 
 Large plus(Large a, Large b) {
     Large s = 0;
-    if (__builtin_add_overflow(a, b, &s)) throw Abandon();
+    if (__builtin_add_overflow(a, b, &s) || s == SANS_OPPOSE) throw Abandon();
     return s;
 }
 
@@ -107,7 +109,7 @@ Simplexe::Simplexe(std::uint32_t variables, std::uint64_t* travail) : travail_(t
 Simplexe::Ligne Simplexe::exprimer(Large constante, const Forme& forme) const {
     Ligne ligne;
     ligne.entrees.assign(horsBase_.size(), 0);
-    ligne[0] = constante;
+    ligne[0] = plus(constante, 0);
     for (const auto& [v, coefficient] : forme) {
         const Lieu lieu = lieux_[v];
         if (!lieu.enBase) {
