@@ -6,6 +6,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "Reseau/Ecriture.h"
 #include "Reseau/Lecture.h"
@@ -90,24 +91,20 @@ TEST(LimitesEnMasse, ACountThatIsPassedOneByOneIsAnErrorToo) {
     }
 }
 
-/// All firings of one transition together put more than fits, but what they put is taken each time.
+/// All firings of one transition together put more than fits, in 64 bits or even in 128, but it is taken each time.
 TEST(LimitesEnMasse, WhatARunMovesInAllNeedNotFit) {
     constexpr Reseau::Compte MILLIARD = 1'000'000'000;
-    constexpr Reseau::Compte BILLIARD = 1'000'000'000'000'000;
-    const std::string net =
-        "tr t a p -> b q*1000000000000000\ntr u b q*1000000000000000 -> a r\ntr v c q d -> e d q\ntr w d q*3 -> f z\n"
-        "pl a (1)\npl c (1)\npl d (1)\npl p (1000000000)\n";
-    for (const std::uint64_t essai : {0U, 100U})
-        EXPECT_EQ(bornes(net, essai), (Bornes{{"a", 1},
-                                              {"b", 1},
-                                              {"c", 1},
-                                              {"d", 1},
-                                              {"e", 1},
-                                              {"f", 1},
-                                              {"p", MILLIARD},
-                                              {"q", BILLIARD},
-                                              {"r", MILLIARD},
-                                              {"z", 1}}));
+    for (const auto& [tours, poids] :
+         {std::pair{MILLIARD, 1'000'000 * MILLIARD}, std::pair{4 * MILLIARD * MILLIARD, Reseau::Compte{1} << 62}}) {
+        const std::string q = "q*" + std::to_string(poids);
+        const std::string net =
+            "tr t a p -> b " + q + "\ntr u b " + q +
+            " -> a r\ntr v c q d -> e d q\ntr w d q*3 -> f z\npl a (1)\npl c (1)\npl d (1)\npl p (" +
+            std::to_string(tours) + ")\n";
+        const Bornes attendues{{"a", 1}, {"b", 1},     {"c", 1},     {"d", 1},     {"e", 1},
+                               {"f", 1}, {"p", tours}, {"q", poids}, {"r", tours}, {"z", 1}};
+        for (const std::uint64_t essai : {0U, 100U}) EXPECT_EQ(bornes(net, essai), attendues);
+    }
 }
 
 /// The run in bulk leaves 64 bits, but only where there is no largest count.

@@ -409,9 +409,11 @@ Vecteur Verification::suivre(const Mots& course, Vecteur m) const {
                 exiger(tirable(nom), "not enabled to the end of a block: ", nom);
                 tirer(nom, 1, m);
             };
+            const Vecteur avant = m;
             for (const auto& [nom, n] : bloc) elan(nom, n);
             if (fois > 1) {
-                for (const auto& [nom, n] : bloc) tirer(nom, produit(n, fois - 2), m);
+                for (auto& [p, n] : m)
+                    if (n != W) n = somme(n, produit(n - lire(avant, p), fois - 2));
                 for (const auto& [nom, n] : bloc) elan(nom, n);
             }
         }
