@@ -298,23 +298,18 @@ void Antichaine::convertir(const Champs& champs) {
         Reseau::convertir(*champs_, de.data(), champs, vers.data());
         champs.ranger(vers.data(), place);
     };
-    for (Liasse& l : feuilles_) l = Reseau::convertir(*champs_, l, champs);
-    Blocs bornes(2 * champs.octets());
-    for (std::uint32_t b = 0; b < branches_.size(); ++b) {
-        std::uint8_t* place = bornes.ajouter();
-        un(jointure(b), place);
-        un(rencontre(b), place + champs.octets());
-    }
-    bornes_ = std::move(bornes);
-    Blocs seuils(champs.octets());
-    for (std::size_t i = 0; i < seuils_.taille(); ++i) {
-        champs_->reprendre(seuils_.en(i), de.data());
+    for (Liasse& l : feuilles_) l.convertir(*champs_, champs, GRAIN);
+    bornes_.refondre(2 * champs.octets(), [&](const std::uint8_t* bornes, std::uint8_t* place) {
+        un(bornes, place);
+        un(bornes + champs_->octets(), place + champs.octets());
+    });
+    seuils_.refondre(champs.octets(), [&](const std::uint8_t* seuils, std::uint8_t* place) {
+        champs_->reprendre(seuils, de.data());
         Reseau::convertir(*champs_, de.data(), champs, vers.data());
         for (std::uint32_t p = 0; p < champs_->places(); ++p)
             if (champs_->exige(de.data(), p)) champs.exiger(vers.data(), p, champs_->lire(de.data(), p));
-        champs.ranger(vers.data(), seuils.ajouter());
-    }
-    seuils_ = std::move(seuils);
+        champs.ranger(vers.data(), place);
+    });
     champs_ = &champs;
 }
 

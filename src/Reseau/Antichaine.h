@@ -52,8 +52,8 @@ private:
     static constexpr std::uint32_t FEUILLE = ~std::uint32_t{0};
     static constexpr std::uint32_t ENSEMBLE = FEUILLE - 1;
     static constexpr std::size_t CAPACITE = 64;     // of a leaf: members, or
-    static constexpr std::size_t OCTETS = 1024;     // bytes, whichever is more
-    static constexpr std::size_t GRAIN = 64;        // bytes by which a leaf grows
+    static constexpr std::size_t OCTETS = 1536;     // bytes, whichever is more
+    static constexpr std::size_t GRAIN = 32;        // bytes by which a leaf grows
     static constexpr std::size_t MOINDRE = 16;      // of a cut, the smaller part: one of so many at least
     static constexpr std::uint32_t CLAIRSEME = 16;  // members of a leaf on average, below which the tree is built anew
     static constexpr std::size_t ECHANTILLON = 1024;  // members that decide how a subtree is built

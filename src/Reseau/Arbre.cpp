@@ -53,16 +53,13 @@ std::uint32_t Arbre::chercher(const Mot* m) const {
 }
 
 void Arbre::convertir(const Champs& champs) {
-    Blocs neuves(champs.octets());
     std::vector<Mot> de(champs_->mots());
     std::vector<Mot> vers(champs.mots());
-    for (std::uint32_t n = 0; n < noeuds_.size(); ++n) {
-        std::uint8_t* place = neuves.ajouter();
-        lire(n, de.data());
+    gardes_.refondre(champs.octets(), [&](const std::uint8_t* garde, std::uint8_t* place) {
+        champs_->reprendre(garde, de.data());
         Reseau::convertir(*champs_, de.data(), champs, vers.data());
         champs.ranger(vers.data(), place);
-    }
-    gardes_ = std::move(neuves);
+    });
     champs_ = &champs;
 }
 

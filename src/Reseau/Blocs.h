@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "Reseau/Champs.h"
@@ -37,6 +38,15 @@ public:
     /// Drops the first record.
     void oterPremier() {
         if (++debut_ % parBloc() == 0) blocs_[(debut_ >> rang_) - 1].reset();
+    }
+    /// Makes every record another one by f(old record, new record), and gives the old blocks back on the way.
+    /// @param octets of a new record
+    /// @throws std::bad_alloc, with some records lost
+    template <class F>
+    void refondre(std::size_t octets, F&& f) {
+        Blocs neufs(octets);
+        for (; taille() > 0; oterPremier()) f(en(0), neufs.ajouter());
+        *this = std::move(neufs);
     }
 
 private:

@@ -47,11 +47,10 @@ Creux Champs::creux(const Mot* m) const {
 }
 
 std::vector<Compte> Elargissement::plafonds(std::vector<Compte> besoins, std::uint64_t gardes) {
-    constexpr std::uint64_t SOUVENT = 64;  // even a small set is not converted for each of thousands of places
-    if ((gardes > PEU && gardes < 2 * derniers_) || ++fois_ % SOUVENT == 0)
+    convertis_ += gardes;
+    if (convertis_ > FOIS * gardes)
         for (Compte& c : besoins)
             if (c > 1) c = std::min(c, OMEGA / 2) * 2 - 1;
-    derniers_ = gardes;
     return besoins;
 }
 

@@ -7,7 +7,7 @@
 // L. Lamport, "Multiple byte processing with full-word instructions", Communications of the ACM 18 (1975).
 //
 // A count that does not fit asks for a new layout, and what is kept is converted. That happens a few times for each
-// place, since a field grows by whole bits.
+// place, since a field grows by whole bits, and less often where it would take long (Elargissement).
 #pragma once
 
 #include <algorithm>
@@ -63,6 +63,13 @@ public:
         for (std::size_t i = 0; i < mots_.size(); ++i)
             if (mot(garde, i) != m[i]) return false;
         return true;
+    }
+    std::uint64_t empreinte(const Mot* m) const {
+        return hacher([m](std::size_t i) { return m[i]; });
+    }
+    /// The same of a kept marking.
+    std::uint64_t empreinte(const std::uint8_t* garde) const {
+        return hacher([this, garde](std::size_t i) { return mot(garde, i); });
     }
     /// @return kept >= m, place by place
     bool couvre(const std::uint8_t* garde, const Mot* m) const {
@@ -165,6 +172,17 @@ private:
         std::memcpy(&m, garde + i * sizeof(Mot), sizeof m);
         return memoire(m) & mots_[i].utile;
     }
+    /// @param f the marking's i-th word
+    template <class F>
+    std::uint64_t hacher(F&& f) const {
+        std::uint64_t h = 0;
+        for (std::size_t i = 0; i < mots_.size(); ++i) {
+            h = (h ^ f(i)) * 0x9E3779B97F4A7C15U;
+            h ^= h >> 32;
+        }
+        h *= 0xD6E8FEB86659FD93U;
+        return h ^ (h >> 32);
+    }
     /// Takes the counts of `m` for the fields of which `lesquels` returns the guards.
     template <class F>
     void remplacer(std::uint8_t* garde, const Mot* m, F&& lesquels) const {
@@ -203,29 +221,20 @@ private:
 };
 
 /// When a field has become too narrow: what the next layout is to hold. Converting takes time in proportion to what is
-/// kept, so when that has not doubled since the last time, and is large, every count gets room to double.
+/// kept. As long as all conversions together have converted no more than some times that, the fields are as narrow as
+/// can be; else every count gets room to double, until the set has grown.
 class Elargissement {
 public:
+    /// @param besoins the largest finite count kept or to be kept, by place
+    /// @param gardes markings
     std::vector<Compte> plafonds(std::vector<Compte> besoins, std::uint64_t gardes);
 
 private:
-    static constexpr std::uint64_t PEU = 500'000;
-    std::uint64_t derniers_ = 0;  // kept the last time
-    std::uint64_t fois_ = 0;
+    static constexpr std::uint64_t FOIS = 4;
+    std::uint64_t convertis_ = 0;
 };
 
 /// Takes a marking from one layout to another that holds its counts.
 void convertir(const Champs& de, const Mot* m, const Champs& vers, Mot* resultat);
-
-/// The hash of a marking's words.
-inline std::uint64_t empreinte(const Mot* m, std::size_t mots) {
-    std::uint64_t h = 0;
-    for (std::size_t i = 0; i < mots; ++i) {
-        h = (h ^ m[i]) * 0x9E3779B97F4A7C15U;
-        h ^= h >> 32;
-    }
-    h *= 0xD6E8FEB86659FD93U;
-    return h ^ (h >> 32);
-}
 
 }  // namespace Reseau

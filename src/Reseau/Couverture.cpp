@@ -225,16 +225,19 @@ void Couverture::garder(std::uint32_t parent, std::uint32_t tir, std::vector<std
     liste.connues = accelerations_.nombre();
 }
 
-/// The rank of `courant_`; its counts go into the maxima.
+/// The rank of `courant_`; its counts go into the maxima and the finite ones into `plafonds_`.
 Couverture::Rang Couverture::compterLeCourant() {
     Rang rang{0, 0, 0};
     champs_->pourChaqueMarquee(courant_.mots(), [&](std::uint32_t p) {
         const Compte c = courant_[p];
         maxima_[p] = std::max(maxima_[p], c);
         ++rang.marquees;
-        if (c == OMEGA)
+        if (c == OMEGA) {
             ++rang.omegas;
-        else if (__builtin_add_overflow(rang.jetons, static_cast<std::uint64_t>(c), &rang.jetons))
+            return;
+        }
+        plafonds_[p] = std::max(plafonds_[p], c);
+        if (__builtin_add_overflow(rang.jetons, static_cast<std::uint64_t>(c), &rang.jetons))
             rang.jetons = ~std::uint64_t{0};
     });
     return rang;
@@ -248,12 +251,11 @@ void Couverture::elargir() {
             if (e.compte > 0 && avant < OMEGA - e.compte)
                 plafonds_[e.place] = std::max(plafonds_[e.place], avant + e.compte);
         }
-    plafonds_ = elargissement_.plafonds(std::move(plafonds_), antichaine_.taille());
-    auto champs = std::make_unique<const Champs>(plafonds_, true);
+    auto champs = std::make_unique<const Champs>(elargissement_.plafonds(plafonds_, antichaine_.taille()), true);
     antichaine_.convertir(*champs);
     arbre_.convertir(*champs);
     lignee_.convertir(*champs_, *champs);
-    for (auto& [rang, liste] : frontiere_) liste.epuisees = convertir(*champs_, liste.epuisees, *champs);
+    for (auto& [rang, liste] : frontiere_) liste.epuisees.convertir(*champs_, *champs);
     const auto porter = [&](Marquage& m) {
         Marquage nouveau(*champs);
         convertir(*champs_, m.mots(), *champs, nouveau.mots());

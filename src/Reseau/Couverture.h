@@ -148,7 +148,7 @@ private:
     const Net& net_;
     const std::vector<Compte> initial_;
     unsigned fils_;
-    std::vector<Compte> plafonds_;  // the largest finite counts that had to fit, by place
+    std::vector<Compte> plafonds_;  // the largest finite counts that must fit, by place, at least 1
     Elargissement elargissement_;
     std::unique_ptr<const Champs> champs_;
     Franchissement franchissement_;

@@ -13,13 +13,17 @@ std::size_t Ensemble::numero(std::uint64_t h) const {
     return i < seaux_ ? i : i & (masque >> 1);
 }
 
-bool Ensemble::ajouter(const Champs& champs, const Mot* m, std::uint64_t h) {
+bool Ensemble::ajouter(const Champs& champs, const std::uint8_t* garde, std::uint64_t h) {
     if (taille_ >= seaux_ * std::max(PEU, CHARGE / champs.octets())) scinder(champs);
     Liasse& l = seau(numero(h));
     const std::size_t octets = champs.octets();
-    for (std::uint32_t i = 0; i < l.taille(); ++i)
-        if (champs.egale(l.en(i, octets), m)) return false;
-    champs.ranger(m, l.allonger(octets));
+    const auto cleDe = [&](std::uint32_t i) { return cle(champs.empreinte(l.en(i, octets))); };
+    std::uint32_t i = rang(h, l.taille());
+    while (i < l.taille() && cleDe(i) < cle(h)) ++i;
+    while (i > 0 && cleDe(i - 1) >= cle(h)) --i;
+    for (std::uint32_t j = i; j < l.taille() && cleDe(j) == cle(h); ++j)
+        if (std::memcmp(l.en(j, octets), garde, octets) == 0) return false;
+    std::memcpy(l.inserer(i, octets), garde, octets);
     ++taille_;
     return true;
 }
@@ -29,14 +33,12 @@ void Ensemble::scinder(const Champs& champs) {
     if (seaux_ % BLOC == 0) blocs_.push_back(std::make_unique<Liasse[]>(BLOC));
     const std::size_t neuf = seaux_++;
     if (neuf == 0) return;
-    mots_.resize(champs.mots());
     const std::size_t octets = champs.octets();
     Liasse& ancien = seau(neuf & (std::bit_floor(neuf) - 1));
     std::uint32_t restent = 0;
     for (std::uint32_t i = 0; i < ancien.taille(); ++i) {
         const std::uint8_t* garde = ancien.en(i, octets);
-        champs.reprendre(garde, mots_.data());
-        const bool part = numero(empreinte(mots_.data(), champs.mots())) == neuf;
+        const bool part = numero(champs.empreinte(garde)) == neuf;
         std::memmove(part ? seau(neuf).allonger(octets) : ancien.en(restent++, octets), garde, octets);
     }
     ancien.raccourcir(restent, octets);

@@ -1,7 +1,9 @@
 #include "Reseau/Enumeration.h"
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
+#include <span>
 
 namespace Reseau {
 
@@ -11,20 +13,23 @@ unsigned sectionDe(std::uint64_t h) { return static_cast<unsigned>(h >> 60); }
 
 }  // namespace
 
-Enumeration::Enumeration(const Net& net, std::vector<Compte>& maxima, unsigned fils)
+Enumeration::Enumeration(const Net& net, std::vector<Compte>& maxima, unsigned fils, std::uint64_t seul)
     : net_(net),
       maxima_(maxima),
       champs_(maxima, false),
       franchissement_(net, champs_),
       attente_(champs_.octets()),
-      fils_(fils) {}
+      fils_(fils),
+      seul_(seul) {}
 
 void Enumeration::admettre(const Creux& marquage, bool aDevelopper) {
     std::vector<Mot> m(champs_.mots(), 0);
     for (const Poids& p : marquage) champs_.poser(m.data(), p.place, p.compte);
-    const std::uint64_t h = empreinte(m.data(), m.size());
-    sections_[sectionDe(h)].ajouter(champs_, m.data(), h);
-    if (aDevelopper) attendre(m.data());
+    std::vector<std::uint8_t> garde(champs_.octets() + Champs::MARGE);
+    champs_.ranger(m.data(), garde.data());
+    const std::uint64_t h = champs_.empreinte(m.data());
+    sections_[sectionDe(h)].ajouter(champs_, garde.data(), h);
+    if (aDevelopper) std::memcpy(attente_.ajouter(), garde.data(), champs_.octets());
 }
 
 std::uint64_t Enumeration::taille() const {
@@ -32,8 +37,6 @@ std::uint64_t Enumeration::taille() const {
     for (const Ensemble& e : sections_) n += e.taille();
     return n;
 }
-
-void Enumeration::attendre(const Mot* m) { champs_.ranger(m, attente_.ajouter()); }
 
 /// How many threads take part, with a slice for each.
 unsigned Enumeration::convier(bool partager) {
@@ -53,116 +56,132 @@ void Enumeration::executer(unsigned n, const std::function<void(unsigned)>& trav
 std::uint64_t Enumeration::avancer(std::uint64_t limite) {
     const std::uint64_t lot = std::clamp(developpes_ / PART, std::min(LOT_MOINDRE, developpes_ / 8 + 1), LOT);
     const std::uint64_t nombre = std::min({attente_.taille(), limite, lot});
-    const unsigned n = convier(nombre >= SEUL && developpes_ >= TOT);
-    prendre(nombre);
+    const unsigned n = convier(nombre >= LOT_SEUL && taille() * octets() >= seul_);
+    const bool profond = developpes_ < PROFOND;
+    const std::uint64_t premier = profond ? attente_.taille() - nombre : 0;
     while (true) {
-        executer(n, [&](unsigned i) { developper(tranches_[i], nombre * i / n, nombre * (i + 1) / n); });
+        executer(
+            n, [&](unsigned i) { developper(tranches_[i], premier + nombre * i / n, premier + nombre * (i + 1) / n); });
         bool etroit = false;
         for (unsigned i = 0; i < n; ++i) {
             etroit = etroit || tranches_[i].etroit;
             for (std::size_t p = 0; p < maxima_.size(); ++p) maxima_[p] = std::max(maxima_[p], tranches_[i].maxima[p]);
         }
         if (!etroit) break;
-        elargir();
+        elargir(n);
     }
     executer(n, [&](unsigned i) {
-        for (unsigned s = i; s < SECTIONS; s += n) accueillir(s, n);
+        for (unsigned s = i; s < SECTIONS; s += n) {
+            nouveaux_[s].vider();
+            accueillir(s, n, [&](const std::uint8_t* garde) {
+                std::memcpy(nouveaux_[s].allonger(octets(), GRAIN), garde, octets());
+            });
+        }
     });
-    for (const std::vector<Mot>& nouveaux : nouveaux_)
-        for (std::size_t i = 0; i < nouveaux.size(); i += champs_.mots()) attendre(&nouveaux[i]);
+    for (std::uint64_t i = 0; i < nombre; ++i) profond ? attente_.oter() : attente_.oterPremier();
+    for (const Liasse& nouveaux : nouveaux_)
+        for (std::uint32_t i = 0; i < nouveaux.taille(); ++i)
+            std::memcpy(attente_.ajouter(), nouveaux.en(i, octets()), octets());
     developpes_ += nombre;
     return nombre;
 }
 
-void Enumeration::prendre(std::uint64_t nombre) {
-    lot_.resize(nombre * champs_.mots());
-    for (std::uint64_t i = 0; i < nombre; ++i) {
-        const bool profond = developpes_ < PROFOND;
-        champs_.reprendre(attente_.en(profond ? attente_.taille() - 1 : 0), &lot_[i * champs_.mots()]);
-        if (profond)
-            attente_.oter();
-        else
-            attente_.oterPremier();
-    }
-}
-
-/// Finds the successors of a slice of the batch.
+/// Finds the successors of some of those that wait.
 void Enumeration::developper(Tranche& tranche, std::uint64_t debut, std::uint64_t fin) const {
-    const std::size_t mots = champs_.mots();
-    for (std::vector<Mot>& s : tranche.successeurs) s.clear();
+    for (Liasse& s : tranche.successeurs) s.vider();
     tranche.maxima.resize(maxima_.size(), 0);
     tranche.etroit = false;
+    tranche.parent.resize(champs_.mots());
     std::vector<Mot>& courant = tranche.courant;
-    courant.resize(mots);
     for (std::uint64_t i = debut; i < fin; ++i) {
-        const Mot* parent = &lot_[i * mots];
-        franchissement_.utiles(parent, tranche.tirs);
+        champs_.reprendre(attente_.en(i), tranche.parent.data());
+        franchissement_.utiles(tranche.parent.data(), tranche.tirs);
         for (const std::uint32_t t : tranche.tirs) {
-            std::copy_n(parent, mots, courant.begin());
+            courant = tranche.parent;
             const bool tient = franchissement_.tirer(t, courant.data());
             for (const Poids& e : net_.transitions[t].effet)
                 if (e.compte > 0)
-                    tranche.maxima[e.place] =
-                        std::max(tranche.maxima[e.place], somme(champs_.lire(parent, e.place), e.compte));
+                    tranche.maxima[e.place] = std::max(tranche.maxima[e.place],
+                                                       somme(champs_.lire(tranche.parent.data(), e.place), e.compte));
             if (!tient) {
                 tranche.etroit = true;
                 continue;
             }
-            const std::uint64_t h = empreinte(courant.data(), mots);
-            std::vector<Mot>& sortie = tranche.successeurs[sectionDe(h)];
-            sortie.push_back(h);
-            sortie.insert(sortie.end(), courant.begin(), courant.end());
+            trier(tranche, courant.data());
         }
     }
 }
 
-/// Takes up what the first `n` slices have for one section.
-void Enumeration::accueillir(unsigned section, unsigned n) {
-    const std::size_t pas = champs_.mots() + 1;
-    const std::size_t avance = 8 * pas;
+/// Puts a marking with those of its section.
+void Enumeration::trier(Tranche& tranche, const Mot* m) const {
+    Liasse& section = tranche.successeurs[sectionDe(champs_.empreinte(m))];
+    champs_.ranger(m, section.allonger(octets(), GRAIN));
+}
+
+/// Takes a block out of a set and sorts what is in it.
+void Enumeration::convertirBloc(Tranche& tranche, const Champs& anciens, Ensemble& ensemble, std::size_t bloc) const {
+    tranche.parent.resize(anciens.mots());
+    tranche.courant.resize(champs_.mots());
+    ensemble.liberer(anciens, bloc, [&](const std::uint8_t* garde) {
+        anciens.reprendre(garde, tranche.parent.data());
+        convertir(anciens, tranche.parent.data(), champs_, tranche.courant.data());
+        trier(tranche, tranche.courant.data());
+    });
+}
+
+/// Takes up what the first `n` slices have for one section, and calls f(kept marking) for what is new.
+template <class F>
+void Enumeration::accueillir(unsigned section, unsigned n, F&& neuf) {
     Ensemble& ensemble = sections_[section];
-    std::vector<Mot>& nouveaux = nouveaux_[section];
-    nouveaux.clear();
+    std::array<std::uint64_t, GROUPE> empreintes;  // of a few at once, so that memory is asked for them all together
     for (unsigned t = 0; t < n; ++t) {
-        const std::vector<Mot>& arrives = tranches_[t].successeurs[section];
-        for (std::size_t i = 0; i < arrives.size(); i += pas) {
-            if (i + avance < arrives.size()) ensemble.annoncer(arrives[i + avance]);
-            const Mot* m = &arrives[i + 1];
-            if (ensemble.ajouter(champs_, m, arrives[i])) nouveaux.insert(nouveaux.end(), m, m + champs_.mots());
+        const Liasse& arrives = tranches_[t].successeurs[section];
+        for (std::uint32_t debut = 0; debut < arrives.taille(); debut += GROUPE) {
+            const std::uint32_t nombre = std::min<std::uint32_t>(GROUPE, arrives.taille() - debut);
+            for (std::uint32_t i = 0; i < nombre; ++i) {
+                empreintes[i] = champs_.empreinte(arrives.en(debut + i, octets()));
+                ensemble.annoncer(empreintes[i]);
+            }
+            for (std::uint32_t i = 0; i < nombre; ++i) ensemble.approcher(champs_, empreintes[i]);
+            for (std::uint32_t i = 0; i < nombre; ++i) {
+                const std::uint8_t* garde = arrives.en(debut + i, octets());
+                if (ensemble.ajouter(champs_, garde, empreintes[i])) neuf(garde);
+            }
         }
     }
 }
 
-/// Converts everything to fields that hold the maxima.
-void Enumeration::elargir() {
+/// Packs everything anew, in fields that hold the maxima: one block of an old section by each thread, and then each
+/// section takes up what belongs there now.
+void Enumeration::elargir(unsigned n) {
     const Champs anciens = champs_;
     champs_ = Champs(elargissement_.plafonds(maxima_, taille()), false);
     franchissement_.traduire(champs_);
-    std::vector<Mot> de(anciens.mots());
-    std::vector<Mot> vers(champs_.mots());
-
+    nouveaux_ = {};
+    for (Tranche& t : tranches_) t.successeurs = {};
     std::array<Ensemble, SECTIONS> anciennes;
     anciennes.swap(sections_);
-    for (Ensemble& ancienne : anciennes) {
-        ancienne.pourChaque(anciens, [&](const std::uint8_t* garde) {
-            anciens.reprendre(garde, de.data());
-            convertir(anciens, de.data(), champs_, vers.data());
-            const std::uint64_t h = empreinte(vers.data(), vers.size());
-            sections_[sectionDe(h)].ajouter(champs_, vers.data(), h);
-        });
-        ancienne = Ensemble();
+    for (unsigned s = 0; s < SECTIONS; s += n) {
+        const std::span<Ensemble> ensemble(&anciennes[s], std::min(n, SECTIONS - s));
+        const std::size_t blocs = std::ranges::max_element(ensemble, {}, &Ensemble::blocs)->blocs();
+        for (std::size_t bloc = 0; bloc < blocs; ++bloc) {
+            executer(n, [&](unsigned i) {
+                for (Liasse& l : tranches_[i].successeurs) l.vider();
+                if (i < ensemble.size()) convertirBloc(tranches_[i], anciens, ensemble[i], bloc);
+            });
+            executer(n, [&](unsigned i) {
+                for (unsigned section = i; section < SECTIONS; section += n)
+                    accueillir(section, n, [](const std::uint8_t*) {});
+            });
+        }
     }
-    Blocs converties(champs_.octets());
-    for (; attente_.taille() > 0; attente_.oterPremier()) {
-        anciens.reprendre(attente_.en(0), de.data());
+    std::vector<Mot> de(anciens.mots());
+    std::vector<Mot> vers(champs_.mots());
+    attente_.refondre(octets(), [&](const std::uint8_t* garde, std::uint8_t* place) {
+        anciens.reprendre(garde, de.data());
         convertir(anciens, de.data(), champs_, vers.data());
-        champs_.ranger(vers.data(), converties.ajouter());
-    }
-    attente_ = std::move(converties);
-    std::vector<Mot> lot(lot_.size() / anciens.mots() * champs_.mots());
-    for (std::size_t i = 0; i * anciens.mots() < lot_.size(); ++i)
-        convertir(anciens, &lot_[i * anciens.mots()], champs_, &lot[i * champs_.mots()]);
-    lot_ = std::move(lot);
+        champs_.ranger(vers.data(), place);
+    });
 }
 
 }  // namespace Reseau

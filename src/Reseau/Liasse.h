@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <vector>
@@ -23,18 +24,46 @@ public:
     /// @param grain bytes
     /// @throws std::bad_alloc
     std::uint8_t* allonger(std::size_t octets, std::size_t grain = GRAIN) {
-        if (taille_ == place_) retailler(taille_ + taille_ / 16 + 1, octets, grain);
+        if (taille_ == place_) retailler(taille_ + taille_ / 32 + 1, octets, grain);
         return en(taille_++, octets);
+    }
+    /// The same before the i-th one.
+    std::uint8_t* inserer(std::uint32_t i, std::size_t octets, std::size_t grain = GRAIN) {
+        allonger(octets, grain);
+        std::memmove(en(i + 1, octets), en(i, octets), (taille_ - 1 - i) * octets);
+        return en(i, octets);
     }
     /// Makes room for so many in all.
     /// @throws std::bad_alloc
     void prevoir(std::uint32_t place, std::size_t octets, std::size_t grain = GRAIN) {
         if (place > place_) retailler(place, octets, grain);
     }
+    /// Drops everything and keeps the room.
+    void vider() { taille_ = 0; }
     /// Shortens it; room that is no longer needed is given back.
     void raccourcir(std::uint32_t taille, std::size_t octets, std::size_t grain = GRAIN) {
         taille_ = taille;
         if (taille_ + taille_ / 4 + 4 + grain / octets < place_) retailler(taille_, octets, grain);
+    }
+    /// Packs everything anew, each record where it lies.
+    /// @throws std::bad_alloc, which leaves the old layout
+    void convertir(const Champs& de, const Champs& vers, std::size_t grain = GRAIN) {
+        if (taille_ == 0) {
+            octets_.reset();
+            place_ = 0;
+            return;
+        }
+        const bool croit = vers.octets() > de.octets();
+        if (croit) retailler(taille_, vers.octets(), grain);
+        std::vector<Mot> avant(de.mots());
+        std::vector<Mot> apres(vers.mots());
+        for (std::uint32_t n = 0; n < taille_; ++n) {
+            const std::uint32_t i = croit ? taille_ - 1 - n : n;  // nothing is overwritten that is still to be read
+            de.reprendre(en(i, de.octets()), avant.data());
+            Reseau::convertir(de, avant.data(), vers, apres.data());
+            vers.ranger(apres.data(), en(i, vers.octets()));
+        }
+        if (vers.octets() < de.octets()) retailler(taille_, vers.octets(), grain);
     }
 
 private:
@@ -58,19 +87,5 @@ private:
     std::uint32_t taille_ = 0;
     std::uint32_t place_ = 0;
 };
-
-/// The same markings in another layout.
-inline Liasse convertir(const Champs& de, const Liasse& liasse, const Champs& vers) {
-    Liasse convertie;
-    convertie.prevoir(liasse.taille(), vers.octets());
-    std::vector<Mot> avant(de.mots());
-    std::vector<Mot> apres(vers.mots());
-    for (std::uint32_t i = 0; i < liasse.taille(); ++i) {
-        de.reprendre(liasse.en(i, de.octets()), avant.data());
-        convertir(de, avant.data(), vers, apres.data());
-        vers.ranger(apres.data(), convertie.allonger(vers.octets()));
-    }
-    return convertie;
-}
 
 }  // namespace Reseau

@@ -22,9 +22,11 @@
 #include "Reseau/Couverture.h"
 #include "Reseau/Ecriture.h"
 #include "Reseau/Ensemble.h"
+#include "Reseau/Enumeration.h"
 #include "Reseau/Equipe.h"
 #include "Reseau/Franchissement.h"
 #include "Reseau/Lecture.h"
+#include "Reseau/Liasse.h"
 #include "Reseau/Reseau.h"
 #include "Reseau/Tir.h"
 #include "Reseau/Visite.h"
@@ -170,8 +172,8 @@ TEST(EnsembleTest, ItHoldsWhatWasAddedOnceEach) {
         for (int i = 0; i < 20'000; ++i) {
             Comptes comptes(places);
             for (Compte& c : comptes) c = tirer(h, places == 1 ? 200 : 8);
-            const Mots m = emballer(champs, comptes);
-            ASSERT_EQ(ensemble.ajouter(champs, m.data(), Reseau::empreinte(m.data(), m.size())),
+            const std::vector<std::uint8_t> garde = garder(champs, comptes);
+            ASSERT_EQ(ensemble.ajouter(champs, garde.data(), champs.empreinte(garde.data())),
                       temoin.insert(comptes).second);
         }
         ASSERT_EQ(ensemble.taille(), temoin.size());
@@ -179,6 +181,37 @@ TEST(EnsembleTest, ItHoldsWhatWasAddedOnceEach) {
         ensemble.pourChaque(champs, [&](const std::uint8_t* garde) { lus.insert(lireGarde(champs, garde)); });
         EXPECT_EQ(lus, temoin);
     }
+}
+
+TEST(LiasseTest, WhatIsPackedAnewIsTheSameInLargerAndInSmallerFields) {
+    Hasard h(8);
+    Champs champs(Comptes(30, 3), true);
+    Reseau::Liasse liasse;
+    std::vector<Comptes> temoin;
+    for (const Compte plafond : {3, 200, 4, 70'000, 3}) {
+        const Champs neufs(Comptes(30, plafond), true);
+        liasse.convertir(champs, neufs);
+        champs = neufs;
+        for (int i = 0; i < 50; ++i) {
+            Comptes comptes(30);
+            for (Compte& c : comptes) c = compteAuHasard(h, 3, true);
+            temoin.push_back(comptes);
+            champs.ranger(emballer(champs, comptes).data(), liasse.allonger(champs.octets()));
+        }
+        ASSERT_EQ(liasse.taille(), temoin.size());
+        for (std::uint32_t i = 0; i < liasse.taille(); ++i)
+            ASSERT_EQ(lireGarde(champs, liasse.en(i, champs.octets())), temoin[i]) << i;
+    }
+}
+
+TEST(ElargissementTest, FieldsAreNarrowUnlessTheSameSetIsConvertedAgainAndAgain) {
+    Reseau::Elargissement elargissement;
+    const Comptes besoins{0, 1, 5};
+    for (std::uint64_t gardes = 1; gardes < 1'000'000; gardes *= 2)
+        ASSERT_EQ(elargissement.plafonds(besoins, gardes), besoins) << gardes;
+    for (int i = 0; i < 5; ++i) elargissement.plafonds(besoins, 1'000'000);
+    EXPECT_EQ(elargissement.plafonds(besoins, 1'000'000), (Comptes{0, 1, 9}));
+    EXPECT_EQ(elargissement.plafonds(besoins, 10'000'000), besoins);
 }
 
 /// The same questions to the index and to a list.
@@ -501,18 +534,40 @@ TEST(EquipeTest, EveryMemberDoesItsPartAndTheFirstErrorIsThrown) {
 
 const std::vector<unsigned> FILS{1, 2, 3, 8};
 
-/// Everything that an exploration of the whole set shows, in its order.
-std::string exploration(const Reseau::Net& net, unsigned fils) {
-    Reseau::Couverture c(net, fils);
-    if (Reseau::conservatif(net)) c.declarerIncomparables();
+/// An enumeration from the net's initial marking in which any set is worth sharing out.
+class Partage {
+public:
+    Partage(const Reseau::Net& net, unsigned fils) : maxima_(net.initial), enumeration_(net, maxima_, fils, 0) {
+        Reseau::Creux initial;
+        for (std::uint32_t p = 0; p < net.initial.size(); ++p)
+            if (net.initial[p] > 0) initial.push_back({p, net.initial[p]});
+        enumeration_.admettre(initial, true);
+    }
+    /// @return markings expanded
+    std::uint64_t achever() {
+        while (!enumeration_.finie()) developpes_ += enumeration_.avancer(SANS_LIMITE);
+        return developpes_;
+    }
+    std::uint64_t developpes() const { return developpes_; }
+    const Comptes& maxima() const { return maxima_; }
+    const Reseau::Enumeration& enumeration() const { return enumeration_; }
+
+private:
+    Comptes maxima_;
+    Reseau::Enumeration enumeration_;
+    std::uint64_t developpes_ = 0;
+};
+
+/// Everything that an enumeration of the whole set shows, in its order.
+std::string enumerer(const Reseau::Net& net, unsigned fils) {
+    Partage partage(net, fils);
     std::ostringstream out;
-    for (std::uint64_t limite = 1000; !c.explorer(limite, false); limite *= 2) out << c.maximaux() << ' ';
-    out << c.explores() << ' ' << c.maximaux();
-    for (const Compte m : c.maxima()) out << ' ' << m;
+    out << partage.achever() << ' ' << partage.enumeration().taille();
+    for (const Compte m : partage.maxima()) out << ' ' << m;
     std::uint64_t h = 0;
-    c.pourChaqueMaximal([&](const Reseau::Creux& marquage) {
-        for (const Reseau::Poids& p : marquage)
-            h = (h ^ static_cast<std::uint64_t>(p.compte) ^ (std::uint64_t{p.place} << 40)) * 0x9E3779B97F4A7C15U;
+    const Champs& champs = partage.enumeration().champs();
+    partage.enumeration().pourChaque([&](const std::uint8_t* garde) {
+        for (const Compte c : lireGarde(champs, garde)) h = (h ^ static_cast<std::uint64_t>(c)) * 0x9E3779B97F4A7C15U;
         h ^= h >> 29;
     });
     out << ' ' << h;
@@ -525,8 +580,8 @@ TEST_P(FilsParFamille, TheSetComesInTheSameOrderWhateverTheirNumber) {
     const auto& [nom, n] = GetParam();
     const Reseau::Net net = std::ranges::find(familles::toutes(), nom, &familles::Famille::nom)->net(n);
     ASSERT_TRUE(Reseau::conservatif(net));
-    const std::string seul = exploration(net, 1);
-    for (const unsigned fils : FILS) ASSERT_EQ(exploration(net, fils), seul) << fils << " threads";
+    const std::string seul = enumerer(net, 1);
+    for (const unsigned fils : FILS) ASSERT_EQ(enumerer(net, fils), seul) << fils << " threads";
 }
 
 INSTANTIATE_TEST_SUITE_P(Grands, FilsParFamille,
@@ -555,9 +610,9 @@ TEST(Fils, CountsThatOutgrowTheirFieldsLateAreTheSameWhateverTheirNumber) {
         "tr a p0 -> p1\ntr b p1 -> p2\ntr c p2 -> p3\ntr d p3 -> p4\ntr e p4*18 -> p5*18\ntr f p5*18 -> p0*18\n"
         "pl p0 (20)\n");
     const Reseau::Net net = Reseau::lire(texte, "essai");
-    const std::string seul = exploration(net, 1);
+    const std::string seul = enumerer(net, 1);
     EXPECT_THAT(seul, testing::HasSubstr(" 20 20 20 20 20 18 "));
-    for (const unsigned fils : FILS) EXPECT_EQ(exploration(net, fils), seul);
+    for (const unsigned fils : FILS) EXPECT_EQ(enumerer(net, fils), seul);
 }
 
 TEST(Fils, ACountBeyond64BitsIsAnErrorWhateverTheirNumber) {
@@ -567,10 +622,9 @@ TEST(Fils, ACountBeyond64BitsIsAnErrorWhateverTheirNumber) {
     std::istringstream texte(net.str());
     const Reseau::Net lu = Reseau::lire(texte, "essai");
     for (const unsigned fils : FILS) {
-        Reseau::Couverture c(lu, fils);
-        c.declarerIncomparables();
-        EXPECT_THROW(c.explorer(SANS_LIMITE, false), Reseau::Debordement);
-        EXPECT_GT(c.explores(), 4096U) << "too early for the threads to have started";
+        Partage partage(lu, fils);
+        EXPECT_THROW(partage.achever(), Reseau::Debordement);
+        EXPECT_GT(partage.developpes(), 4096U) << "too early for the threads to have started";
     }
 }
 
