@@ -1,10 +1,13 @@
 #include "Reseau/Certificat.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <string>
 #include <variant>
 #include <vector>
+
+#include "Reseau/Depliage.h"
 
 namespace Reseau {
 
@@ -24,8 +27,8 @@ public:
     void rediger(bool verdictSeul);
 
 private:
-    const std::string& place(std::uint32_t p) const { return net_.places[partie_.places[p]]; }
-    const std::string& transition(std::uint32_t t) const { return net_.transitions[partie_.transitions[t]].nom; }
+    std::string place(std::uint32_t p) const;
+    std::string transition(std::uint32_t t) const;
 
     void liste(const std::vector<std::uint32_t>& places);
     void marquage(const Creux& v);
@@ -44,8 +47,19 @@ private:
     const Net& net_;
     const Partie& partie_;
     const Resolution& resolution_;
-    std::set<std::uint32_t> ecrites_;  // accelerations
+    std::set<std::uint32_t> ecrites_;   // accelerations
+    std::optional<Depliage> depliage_;  // while what is told is about an unfolded net
 };
+
+std::string Redacteur::place(std::uint32_t p) const {
+    if (p >= partie_.places.size()) return place(depliage_->place(p)) + "(2)";
+    return net_.places[partie_.places[p]];
+}
+
+std::string Redacteur::transition(std::uint32_t t) const {
+    if (t >= partie_.transitions.size()) return transition(depliage_->transition(t)) + "(2)";
+    return net_.transitions[partie_.transitions[t]].nom;
+}
 
 void Redacteur::liste(const std::vector<std::uint32_t>& places) {
     for (const std::uint32_t p : places) out_ << ' ' << place(p);
@@ -162,7 +176,7 @@ void Redacteur::atteinte(std::uint32_t p) {
 }
 
 void Redacteur::multiplicateurs(const Multiplicateurs& multiples) {
-    const auto places = static_cast<std::uint32_t>(partie_.places.size());
+    const auto places = static_cast<std::uint32_t>((depliage_ ? depliage_->net() : partie_.net).places.size());
     for (const auto& [contrainte, y] : multiples) {
         if (contrainte < places)
             out_ << ' ' << place(contrainte);
@@ -173,7 +187,15 @@ void Redacteur::multiplicateurs(const Multiplicateurs& multiples) {
 }
 
 void Redacteur::arbre(const Majoration& majoration) {
-    out_ << "most " << decimal(majoration.borne) << " by cases\n";
+    out_ << "most " << decimal(majoration.borne);
+    if (majoration.passages.empty()) {
+        out_ << " by cases\n";
+    } else {
+        out_ << " by phases";
+        for (const std::uint32_t t : majoration.passages) out_ << ' ' << transition(t);
+        out_ << '\n';
+        depliage_.emplace(partie_.net, *resolution_.majorants->jeton(), majoration.passages);
+    }
     for (const Cas& cas : majoration.preuve) {
         switch (cas.genre) {
             case Cas::SEUIL:
@@ -216,6 +238,7 @@ void Redacteur::arbre(const Majoration& majoration) {
         }
         out_ << '\n';
     }
+    depliage_.reset();
 }
 
 void Redacteur::rediger(bool verdictSeul) {

@@ -36,7 +36,12 @@
 //     most by set, most by relaxed
 //         no marking of the set holds more
 //     most COUNT by cases
-//         no solution of the state equation holds more; the tree of cases follows in prefix notation:
+//         no solution of the state equation holds more; the tree of cases follows in prefix notation
+//     most COUNT by phases TRANSITION...
+//         the same of the unfolded net: each place P of the token is there once more as "P(2)", empty at the start, and
+//         each transition T that takes the token once more as "T(2)", which takes it from and puts it into such places;
+//         the transitions listed take it from the first ones to the second ones. What is bounded is P and P(2)
+//         together. The cases:
 //     threshold TRANSITION K
 //         case one, fired at most K times; case two, at least K + 1 times
 //     level PLACE K
@@ -66,14 +71,14 @@
 //
 // A RUN is a list of TRANSITION, (TRANSITION*TIMES...)*TIMES, and *N for the acceleration "omega N". Constraints in
 // force are numbered from 0 in the order in which the cases above introduced them; each is non-negative. For threshold
-// and level K - x and x - K - 1; for entry and departure -x for each transition not fired, in the order of "fires", or
-// else the sum of those of which one is fired - 1. Of a BOUNDED place the constraint is what M0 and the transitions
-// that take the token elsewhere leave; less what those need that bring the token in; plus what those add, if they do,
-// that leave the token alone. For first and last -x; and x - 1, then the sum, of which the other transitions only count
-// with what they add to it, and the transition itself not at all with first, and one time less than it is fired with
-// last. For order -x of T; -x of U; and in the other cases x - 1 of T, x - 1 of U and the sum: a firing counts there as
-// one before both moments, between them, or after them, whichever adds most, but for T's and U's own, of which it is
-// known.
+// and level K - x and x - K - 1; for entry and departure -x for each transition not fired, in the order of "fires",
+// first all T and then all T(2), or else the sum of those of which one is fired - 1. Of a BOUNDED place the constraint
+// is what M0 and the transitions that take the token elsewhere leave; less what those need that bring the token in;
+// plus what those add, if they do, that leave the token alone. For first and last -x; and x - 1, then the sum, of which
+// the other transitions only count with what they add to it, and the transition itself not at all with first, and one
+// time less than it is fired with last. For order -x of T; -x of U; and in the other cases x - 1 of T, x - 1 of U and
+// the sum: a firing counts there as one before both moments, between them, or after them, whichever adds most, but for
+// T's and U's own, of which it is known.
 #pragma once
 
 #include <ostream>

@@ -121,6 +121,8 @@ Majorants::Majorants(const Net& net)
 /// Accounts for a copy of the program.
 void Majorants::payer() const { travail_ -= std::min(travail_, cases(net_)); }
 
+std::uint64_t Majorants::construction(const Net& net) { return cases(net); }
+
 bool Majorants::possible(const Net& net) { return cases(net) <= CASES_DENSES; }
 
 std::uint64_t Majorants::travail(unsigned effort) { return TRAVAIL << (2 * effort); }
@@ -138,7 +140,7 @@ std::optional<Majoration> Majorants::majorer(const std::vector<std::uint32_t>& p
     depense += travail(effort) - travail_;
     const Large borne = std::max(q.plafond, q.ouverts.empty() ? Large{-1} : q.ouverts.top().first);
     if (borne == INFINI) return std::nullopt;
-    Majoration resultat{borne, {}};
+    Majoration resultat{borne, {}, {}};
     rediger(q, 0, borne, resultat.preuve);
     return resultat;
 }
@@ -153,7 +155,7 @@ std::optional<Majoration> Majorants::parInvariant(std::uint32_t place, Large min
         std::erase_if(echange.multiplicateurs, [place](const auto& m) { return m.first == place; });
         echange.multiplicateurs.emplace_back(autre, cas.facteur);
         std::ranges::sort(echange.multiplicateurs);
-        return Majoration{(cas.total / ici->second), {std::move(echange)}};
+        return Majoration{(cas.total / ici->second), {std::move(echange)}, {}};
     }
     return std::nullopt;
 }

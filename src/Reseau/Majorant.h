@@ -31,6 +31,7 @@ class Tireur;
 struct Majoration {
     Large borne;  ///< no reachable marking holds more in the asked places together
     std::vector<Cas> preuve;
+    std::vector<std::uint32_t> passages;  ///< when it is of the net unfolded by these transitions (see Depliage.h)
 };
 
 class Majorants {
@@ -53,6 +54,8 @@ public:
 
     const std::optional<Jeton>& jeton() const { return jeton_; }
 
+    /// What it costs to set up the program.
+    static std::uint64_t construction(const Net& net);
     /// What one question may cost.
     static std::uint64_t travail(unsigned effort);
 

@@ -76,6 +76,7 @@ void Resolution::finir(const Options& options) {
         if (!options.verdictSeul && majorerParAbondance(premier << tour)) return;
         if (majorants && tour < EFFORTS) {
             if (options.verdictSeul ? majorerEnsemble(tour) : majorer(tour)) return;
+            if (!options.verdictSeul && tour > 0 && majorerParPhases(tour + 1)) return;
             if (options.verdictSeul && !bornee()) return;
         }
         if (couverture.explorer(premier << (CROISSANCE * (tour + 1)), options.verdictSeul)) return;
@@ -174,7 +175,7 @@ void Resolution::regler(const Creux& composante, bool preuves) {
     const Large jetons = poidsInitial(net_, composante);
     for (const Poids& p : composante) {
         if (majorations[p.place] && majorations[p.place]->borne <= jetons / p.compte) continue;
-        majorations[p.place] = Majoration{jetons / p.compte, {}};
+        majorations[p.place] = Majoration{jetons / p.compte, {}, {}};
         if (!preuves) continue;  // a set of thousands of places is not written down for each of them
         Cas cas;
         cas.facteur = p.compte;
@@ -203,7 +204,7 @@ bool Resolution::majorerEnsembleParComposantes() {
     }
     for (std::uint32_t p = 0; p < poids.size(); ++p)
         if (poids[p] > 1) cas.multiplicateurs.emplace_back(p, poids[p] - 1);
-    ensemble = Majoration{cas.total, {}};
+    ensemble = Majoration{cas.total, {}, {}};
     ensemble->preuve.push_back(std::move(cas));
     return true;
 }
@@ -225,26 +226,55 @@ void Resolution::majorerJeton(unsigned effort, std::uint64_t& depense) {
     }
 }
 
+/// All places, those that were asked least first, so that each has its turn.
+std::vector<std::uint32_t> Resolution::parQuestions() const {
+    std::vector<std::uint32_t> ordre(net_.places.size());
+    std::iota(ordre.begin(), ordre.end(), 0U);
+    std::ranges::stable_sort(ordre, {}, [this](std::uint32_t p) { return questions_[p]; });
+    return ordre;
+}
+
 /// Bounds the places that are not settled yet.
 /// @return whether every place is settled now; what is not is left to the exploration
 bool Resolution::majorer(unsigned effort) {
     std::uint64_t depense = 0;
     tireur.accorder(QUESTIONS * Majorants::travail(effort) / 2);
     majorerJeton(effort, depense);
-    // Those that were asked least stand first, so that each has its turn.
-    std::vector<std::uint32_t> ordre(net_.places.size());
-    std::iota(ordre.begin(), ordre.end(), 0U);
-    questions_.resize(ordre.size(), 0);
-    std::ranges::stable_sort(ordre, {}, [this](std::uint32_t p) { return questions_[p]; });
-    for (const std::uint32_t p : ordre) {
+    questions_.resize(net_.places.size(), 0);
+    for (const std::uint32_t p : parQuestions()) {
         if (reglee(p)) continue;
         if (depense > QUESTIONS * Majorants::travail(effort)) break;
         ++questions_[p];
-        std::optional<Majoration> neuve = majorants->majorer({p}, borne(p), &tireur, effort, depense);
-        if (neuve && (!majorations[p] || neuve->borne < majorations[p]->borne)) majorations[p] = std::move(neuve);
-        if (majorations[p] && tireur.depasse(p)) throw Debordement();
+        garder(p, majorants->majorer({p}, borne(p), &tireur, effort, depense));
     }
     return viser();
+}
+
+/// Bounds the places that are not settled yet by the net in two phases, all in turn while they may cost something.
+/// @return as `majorer`
+bool Resolution::majorerParPhases(unsigned effort) {
+    if (!majorants->jeton()) return false;
+    if (!phases_) phases_.emplace(net_, *majorants->jeton());
+    if (!phases_->possible()) return false;
+    std::uint64_t depense = 0;
+    for (bool reste = true; reste;) {
+        reste = false;
+        for (const std::uint32_t p : parQuestions()) {
+            if (reglee(p)) continue;
+            if (depense > QUESTIONS * Majorants::travail(effort)) return viser();
+            garder(p, phases_->majorer(p, borne(p), tireur, effort, depense));
+            reste = true;
+        }
+    }
+    return viser();
+}
+
+/// Keeps an upper bound that is less than the one known.
+/// @throws Debordement when the place is bounded, but by more than fits
+void Resolution::garder(std::uint32_t place, std::optional<Majoration> neuve) {
+    std::optional<Majoration>& connue = majorations[place];
+    if (neuve && (!connue || neuve->borne < connue->borne)) connue = std::move(neuve);
+    if (connue && tireur.depasse(place)) throw Debordement();
 }
 
 bool Resolution::parEnsemble(std::uint32_t place) const {

@@ -6,7 +6,8 @@
 //   3. Coverability sets in which large counts are unbounded: they settle the places that stay small.
 //   4. The state equation: an upper bound for each place that is left, with a proof, and runs fired in bulk that show
 //      how much of it can be reached. Where the two meet the place is settled, whatever the number of its tokens.
-//   5. A longer exploration, and 2 to 4 again with more patience for what is left; 4 a few times only.
+//   5. The state equation of the net unfolded into two phases.
+//   6. A longer exploration, and 2 to 5 again with more patience for what is left; 4 and 5 a few times only.
 //
 // The exploration ends when every place that is left has reached its upper bound, or it is complete.
 #pragma once
@@ -20,6 +21,7 @@
 #include "Reseau/Couverture.h"
 #include "Reseau/Majorant.h"
 #include "Reseau/Net.h"
+#include "Reseau/Phases.h"
 #include "Reseau/Reseau.h"
 #include "Reseau/Tir.h"
 #include "Reseau/Visite.h"
@@ -74,12 +76,16 @@ private:
     bool majorerEnsembleParComposantes();
     bool majorerParAbondance(std::uint64_t limite);
     bool majorer(unsigned effort);
+    bool majorerParPhases(unsigned effort);
+    void garder(std::uint32_t place, std::optional<Majoration> neuve);
+    std::vector<std::uint32_t> parQuestions() const;
     void majorerJeton(unsigned effort, std::uint64_t& depense);
     bool majorerEnsemble(unsigned effort);
 
     const Net& net_;
     Composantes composantes_;
     Visites visites_;
+    std::optional<Phases> phases_;
     bool fini_ = false;
     std::vector<unsigned> questions_;  // put to the state equation, by place
 };

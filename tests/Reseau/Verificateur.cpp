@@ -112,6 +112,7 @@ private:
     void verifierSansBorne(const Mots& m);
     void verifierBorne(const Mots& m);
     void verifierMajorant(const Mots& m, const Vecteur& visee, std::optional<Entier> borne);
+    void deplier(const Mots& passages);
     void verifierMarquages() const;
     Entier cas(const Vecteur& visee);
     struct Contrainte;
@@ -745,12 +746,70 @@ Entier Verification::cas(const Vecteur& visee) {
     return std::max(a, b);
 }
 
+/// Goes on with the unfolded net: what takes the token is there for the first places and for the second ones, and the
+/// transitions named take it from those to these. Whoever forgets the phases sees the runs of the net, and none less.
+void Verification::deplier(const Mots& passages) {
+    exiger(!jeton_.empty(), "there is no token to unfold the net for");
+    const std::set<std::string> premieres = jeton_;
+    const Mots avant = tirees_;
+    for (const std::string& t : passages)
+        exiger(std::ranges::find(avant, t) != avant.end(), "a transition of another part");
+    const auto mettre = [](Vecteur& v, const std::string& p, Entier n) {
+        v.erase(p);
+        if (n != 0) v[p] = n;
+    };
+    for (const std::string& nom : avant) {
+        const Transition t = transitions_.at(nom);
+        Transition seconde = t;
+        Transition passage = t;
+        bool prend = false;
+        for (const std::string& p : premieres) {
+            const Entier pris = lire(t.pre, p);
+            const Entier mis = somme(pris, lire(t.effet, p));
+            prend = prend || pris > 0;
+            mettre(passage.effet, p, -pris);
+            mettre(passage.effet, p + "(2)", mis);
+            mettre(seconde.pre, p, 0);
+            mettre(seconde.pre, p + "(2)", pris);
+            mettre(seconde.effet, p, 0);
+            mettre(seconde.effet, p + "(2)", mis - pris);
+        }
+        if (std::ranges::find(passages, nom) != passages.end()) {
+            exiger(prend, "does not take the token: ", nom);
+            transitions_[nom] = passage;
+        }
+        if (!prend) continue;
+        transitions_[nom + "(2)"] = seconde;
+        tirees_.push_back(nom + "(2)");
+    }
+    for (const std::string& p : premieres) {
+        jeton_.insert(p + "(2)");
+        partie_.insert(p + "(2)");
+    }
+    effets_.clear();
+    for (const std::string& t : tirees_)
+        for (const auto& [p, n] : transitions_.at(t).effet) effets_[p][t] = n;
+}
+
 void Verification::verifierMajorant(const Mots& m, const Vecteur& visee, std::optional<Entier> borne) {
     exiger(m[0] == "most", "\"most\" expected, not ", m[0]);
     if (m.back() == "set" || m.back() == "relaxed") {
         exiger(!ensemble_.empty(), "there is no set");
         for (const auto& [p, n] : visee)
             exiger(lire(maxima_, p) <= (borne ? *borne : W - 1), "the set holds more of ", p);
+        return;
+    }
+    if (m.size() > 3 && m[3] == "phases") {
+        Verification deplie = *this;
+        deplie.deplier(Mots(m.begin() + 4, m.end()));
+        Vecteur ensemble;
+        for (const auto& [p, n] : visee) {
+            ensemble[p] = n;
+            if (jeton_.contains(p)) ensemble[p + "(2)"] = n;
+        }
+        const Entier trouve = deplie.cas(ensemble);
+        ici_ = deplie.ici_;
+        exiger(trouve <= nombre(m.at(1)) && borne && trouve <= *borne, "the cases show less of the unfolded net");
         return;
     }
     const Entier trouve = cas(visee);
