@@ -18,22 +18,69 @@ namespace {
 // No sum of 64-bit counts along a run that fits in memory comes near it.
 constexpr Large INFINI = static_cast<Large>(1) << 126;
 
+constexpr std::size_t PAIRES = 200'000;  // that are looked at
+constexpr std::size_t RETENUES = 4096;   // of them
+
+/// Whether two transitions in a row take nothing away and add something.
+bool rendentTout(const Creux& un, const Creux& autre) {
+    bool ajoutent = false;
+    auto b = autre.begin();
+    for (const Poids& a : un) {
+        for (; b != autre.end() && b->place < a.place; ++b) {
+            if (b->compte < 0) return false;
+            ajoutent = true;
+        }
+        const bool commune = b != autre.end() && b->place == a.place;
+        const Large somme = Large{a.compte} + (commune ? b->compte : 0);
+        if (somme < 0) return false;
+        ajoutent = ajoutent || somme > 0;
+        if (commune) ++b;
+    }
+    return std::all_of(b, autre.end(), [](const Poids& p) { return p.compte > 0; }) && (ajoutent || b != autre.end());
+}
+
 }  // namespace
 
 Accelerations::Accelerations(const Net& net)
     : net_(net),
       parBesoin_(net.places.size()),
       parOmega_(net.places.size()),
-      tirsParBesoin_(net.places.size()),
-      tirsParOmega_(net.places.size()),
+      candidatsParBesoin_(net.places.size()),
+      candidatsParOmega_(net.places.size()),
       pre_(net.places.size(), 0),
       effet_(net.places.size(), 0),
       touchee_(net.places.size(), 0) {
     for (std::uint32_t t = 0; t < net.transitions.size(); ++t) {
         const Transition& tir = net.transitions[t];
         if (std::ranges::none_of(tir.effet, [](const Poids& e) { return e.compte > 0; })) continue;
-        if (tir.pre.empty()) tirsAEssayer_.push_back(t);
+        if (tir.pre.empty()) candidatsAEssayer_.push_back(t);
         for (const Poids& p : tir.pre) attente(tir, p.place).push_back(t);
+    }
+    chercherLesPaires();
+}
+
+/// Looks for pairs among the transitions that take something and those that bring it back: where the fewest do.
+void Accelerations::chercherLesPaires() {
+    Listes producteurs(net_.places.size());
+    for (std::uint32_t t = 0; t < net_.transitions.size(); ++t)
+        for (const Poids& e : net_.transitions[t].effet)
+            if (e.compte > 0) producteurs[e.place].push_back(t);
+    std::size_t reste = PAIRES;
+    for (std::uint32_t t = 0; t < net_.transitions.size(); ++t) {
+        const std::vector<std::uint32_t>* rares = nullptr;
+        for (const Poids& e : net_.transitions[t].effet)
+            if (e.compte < 0 && (rares == nullptr || producteurs[e.place].size() < rares->size()))
+                rares = &producteurs[e.place];
+        if (rares == nullptr) continue;
+        if (rares->size() > reste) return;
+        reste -= rares->size();
+        for (const std::uint32_t u : *rares) {
+            if (!rendentTout(net_.transitions[t].effet, net_.transitions[u].effet)) continue;
+            if (paires_.size() == RETENUES) return;
+            paires_.push_back(composer({{Pas::TIR, t}, {Pas::TIR, u}}));
+            const auto numero = static_cast<std::uint32_t>(net_.transitions.size() + paires_.size() - 1);
+            for (const Poids& p : paires_.back().pre) candidatsParBesoin_[p.place].push_back(numero);
+        }
     }
 }
 
@@ -69,7 +116,21 @@ void Accelerations::suivre(const Pas& p) {
     }
 }
 
-std::uint32_t Accelerations::apprendre(std::vector<Pas> pas) {
+std::uint32_t Accelerations::apprendre(std::vector<Pas> pas) { return inscrire(composer(std::move(pas))); }
+
+/// Learns a candidate.
+std::uint32_t Accelerations::apprendre(std::uint32_t candidat) {
+    if (candidat >= net_.transitions.size()) {
+        Acceleration& paire = paires_[candidat - net_.transitions.size()];
+        for (const Poids& p : paire.pre) std::erase(candidatsParBesoin_[p.place], candidat);
+        return inscrire(std::move(paire));
+    }
+    const Transition& t = net_.transitions[candidat];
+    for (const Poids& p : t.pre) std::erase(attente(t, p.place), candidat);
+    return apprendre(std::vector<Pas>{{Pas::TIR, candidat}});
+}
+
+Acceleration Accelerations::composer(std::vector<Pas> pas) {
     for (const Pas& p : pas) suivre(p);
     std::ranges::sort(touchees_);
     Acceleration a;
@@ -82,7 +143,10 @@ std::uint32_t Accelerations::apprendre(std::vector<Pas> pas) {
         touchee_[p] = 0;
     }
     touchees_.clear();
+    return a;
+}
 
+std::uint32_t Accelerations::inscrire(Acceleration a) {
     const std::uint32_t numero = nombre();
     liste_.push_back(std::move(a));
     const Acceleration& neuve = liste_.back();
@@ -102,12 +166,6 @@ std::uint32_t Accelerations::apprendre(std::vector<Pas> pas) {
     return numero;
 }
 
-/// The acceleration that repeats one transition.
-std::uint32_t Accelerations::apprendre(std::uint32_t tir) {
-    for (const Poids& p : net_.transitions[tir].pre) std::erase(attente(net_.transitions[tir], p.place), tir);
-    return apprendre(std::vector<Pas>{{Pas::TIR, tir}});
-}
-
 bool Accelerations::applicable(const Acceleration& a, const Marquage& m) const {
     return std::ranges::any_of(a.pompes, [&](std::uint32_t p) { return m[p] != OMEGA; }) &&
            std::ranges::all_of(a.pre, [&](const Poids& p) { return m[p.place] >= p.compte; });
@@ -122,6 +180,11 @@ bool Accelerations::repetable(const Transition& t, const Marquage& m) const {
         ajoute = true;
     }
     return ajoute && std::ranges::all_of(t.pre, [&](const Poids& p) { return m[p.place] >= p.compte; });
+}
+
+bool Accelerations::repetable(std::uint32_t candidat, const Marquage& m) const {
+    const std::size_t tirs = net_.transitions.size();
+    return candidat < tirs ? repetable(net_.transitions[candidat], m) : applicable(paires_[candidat - tirs], m);
 }
 
 void Accelerations::appliquer(Marquage& m, std::vector<std::uint32_t>& appliquees) {
@@ -149,10 +212,10 @@ void Accelerations::propager(Marquage& m, std::vector<std::uint32_t>& appliquees
             const std::uint32_t i = aEssayer_.back();
             aEssayer_.pop_back();
             if (applicable(liste_[i], m)) pomper(i, m, appliquees);
-        } else if (!tirsAEssayer_.empty()) {
-            const std::uint32_t t = tirsAEssayer_.back();
-            tirsAEssayer_.pop_back();
-            if (repetable(net_.transitions[t], m)) pomper(apprendre(t), m, appliquees);
+        } else if (!candidatsAEssayer_.empty()) {
+            const std::uint32_t c = candidatsAEssayer_.back();
+            candidatsAEssayer_.pop_back();
+            if (repetable(c, m)) pomper(apprendre(c), m, appliquees);
         } else {
             return;
         }
@@ -165,10 +228,10 @@ void Accelerations::essayer(std::uint32_t place, const Marquage& m) {
         liste.insert(liste.end(), listes[place].begin(), listes[place].end());
     };
     joindre(aEssayer_, parBesoin_);
-    joindre(tirsAEssayer_, tirsParBesoin_);
+    joindre(candidatsAEssayer_, candidatsParBesoin_);
     if (m[place] != OMEGA) return;
     joindre(aEssayer_, parOmega_);
-    joindre(tirsAEssayer_, tirsParOmega_);
+    joindre(candidatsAEssayer_, candidatsParOmega_);
 }
 
 /// Raises what an acceleration pumps.

@@ -7,8 +7,8 @@
 // construction", Discrete Event Dynamic Systems 31 (2021). As there, an entry of `pre` may be OMEGA: the
 // sequence consumes that place in the balance, and is repeatable only where the place is omega already.
 //
-// A transition is such a sequence by itself, wherever what it consumes in the balance is omega: that needs no search,
-// and it is learnt the first time that it can be repeated.
+// A transition is such a sequence by itself, wherever what it consumes in the balance is omega; and so are two in a row
+// that together take nothing away. That needs no search, and they are learnt the first time that they can be repeated.
 #pragma once
 
 #include <cstdint>
@@ -61,14 +61,18 @@ private:
         return (besoin.compte == OMEGA ? parOmega_ : parBesoin_)[besoin.place];
     }
     std::vector<std::uint32_t>& attente(const Transition& t, std::uint32_t place) {
-        return (valeur(t.effet, place) < 0 ? tirsParOmega_ : tirsParBesoin_)[place];
+        return (valeur(t.effet, place) < 0 ? candidatsParOmega_ : candidatsParBesoin_)[place];
     }
     void propager(Marquage& m, std::vector<std::uint32_t>& appliquees);
     void essayer(std::uint32_t place, const Marquage& m);
     void pomper(std::uint32_t numero, Marquage& m, std::vector<std::uint32_t>& appliquees);
     bool applicable(const Acceleration& a, const Marquage& m) const;
     bool repetable(const Transition& t, const Marquage& m) const;
-    std::uint32_t apprendre(std::uint32_t tir);
+    bool repetable(std::uint32_t candidat, const Marquage& m) const;
+    std::uint32_t apprendre(std::uint32_t candidat);
+    void chercherLesPaires();
+    Acceleration composer(std::vector<Pas> pas);
+    std::uint32_t inscrire(Acceleration a);
     void suivre(const Pas& p);
     void exiger(std::uint32_t place, Compte besoin);
     void ajouter(std::uint32_t place, Compte effet);
@@ -77,15 +81,16 @@ private:
     const Net& net_;
     std::vector<Acceleration> liste_;
     std::vector<std::uint32_t> actives_;  // those not subsumed by another one, ascending
-    // By place: of the active ones, and of the transitions that are not learnt, those that need some tokens of it, and
-    // those that need it to be omega.
+    std::vector<Acceleration> paires_;    // of transitions
+    // By place: of the active ones, and of the candidates that are not learnt (the transitions, and numbered after them
+    // the pairs), those that need some tokens of it, and those that need it to be omega.
     Listes parBesoin_;
     Listes parOmega_;
-    Listes tirsParBesoin_;
-    Listes tirsParOmega_;
-    // Numbers and transitions; empty between calls, but for the transitions that need nothing before the first one.
+    Listes candidatsParBesoin_;
+    Listes candidatsParOmega_;
+    // Empty between calls, but for the transitions that need nothing before the first one.
     std::vector<std::uint32_t> aEssayer_;
-    std::vector<std::uint32_t> tirsAEssayer_;
+    std::vector<std::uint32_t> candidatsAEssayer_;
     // Working state of `apprendre`, by place; clean between calls.
     std::vector<Large> pre_;
     std::vector<Large> effet_;

@@ -106,8 +106,8 @@ const std::string NET =
     "net n\ntr i q0 -> q1 ma*21\ntr t q1 ma*2 -> q1 mb*3\ntr u q1 mb*2 -> q2 mc\ntr v q2 -> q1\ntr w q3 mc -> q3 md\n"
     "tr x e -> e f\npl e (1)\npl q0 (1)\npl alone (5)\n";
 
-/// A pump of two transitions, which is not found without exploring or asking the state equation.
-const std::string POMPE = "net n\ntr x e -> g\ntr y g -> e f\npl e (1)\npl alone (5)\n";
+/// A pump of three transitions, which is not found without exploring or asking the state equation.
+const std::string POMPE = "net n\ntr x e -> g\ntr y g -> h\ntr z h -> e f\npl e (1)\npl alone (5)\n";
 
 /// The report of `net` with the first `avant` replaced by `apres`.
 std::string fausse(const std::string& avant, const std::string& apres, const Reseau::Options& options,
@@ -201,8 +201,8 @@ TEST(Certificat, TheCheckerAcceptsWhatIsTrueAndRejectsEveryFalsifiedLine) {
         EXPECT_NE(essai::verifier(NET, fausse("fires i t u v", "fires i t u", o), false), "");
     }
     EXPECT_NE(essai::verifier(NET, fausse("cycle x", "cycle", parEnsemble), false), "");
-    EXPECT_NE(essai::verifier(POMPE, fausse("cycle (x*1)*1 (y*1)*1", "cycle", parEquation, POMPE), false), "");
-    EXPECT_NE(essai::verifier(POMPE, fausse("cycle x y", "cycle", parEnsemble, POMPE), false), "");
+    EXPECT_NE(essai::verifier(POMPE, fausse("cycle (x*1)*1 (y*1)*1 (z*1)*1", "cycle", parEquation, POMPE), false), "");
+    EXPECT_NE(essai::verifier(POMPE, fausse("cycle x y z", "cycle", parEnsemble, POMPE), false), "");
     EXPECT_NE(essai::verifier(NET, fausse("close 1 1\n", "close 1 0\n", parEquation), false), "");
     EXPECT_NE(essai::verifier(NET, fausse("round 2 q0*1 ma*1", "round 4 q0*1 ma*1", parEquation), false), "");
     EXPECT_NE(essai::verifier(NET, fausse("round 2 q0*1 ma*1", "round 2 q0*1 ma*3", parEquation), false), "");

@@ -394,6 +394,33 @@ TEST(AccelerationsTest, WhatNeedsNothingIsRepeatedAtOnce) {
     EXPECT_THAT(c.maxima(), testing::Each(OMEGA));
 }
 
+TEST(AccelerationsTest, TwoTransitionsThatTakeNothingTogetherAreRepeatedWithoutSearch) {
+    const auto tir = [](std::uint32_t t) { return Reseau::Pas{Reseau::Pas::TIR, t}; };
+    for (const char* texte :
+         {"tr a p*2 -> q x\ntr b q -> p*2\npl p (2)\n", "tr a p -> q\ntr b q r -> p r*2\npl p (1)\npl r (1)\n"}) {
+        const Reseau::Net net = lireLeNet(texte);
+        Reseau::Couverture c(net, 1);
+        c.explorer(0, false);
+        EXPECT_THAT(c.tige(), testing::IsEmpty()) << texte;
+        ASSERT_EQ(c.accelerations().nombre(), 1U) << texte;
+        EXPECT_THAT(c.accelerations()[0].pas, testing::ElementsAre(tir(0), tir(1))) << texte;
+    }
+    const Reseau::Net plusTard = lireLeNet("tr a p -> q\ntr b q -> r\ntr c r -> q s\npl p (1)\n");
+    Reseau::Couverture apresUnTir(plusTard, 1);
+    apresUnTir.explorer(1, false);
+    EXPECT_THAT(apresUnTir.tige(), testing::ElementsAre(tir(0)));
+    ASSERT_EQ(apresUnTir.accelerations().nombre(), 1U);
+    EXPECT_THAT(apresUnTir.accelerations()[0].pas, testing::ElementsAre(tir(1), tir(2)));
+}
+
+TEST(AccelerationsTest, TwoTransitionsThatTakeSomethingTogetherAreNotRepeated) {
+    const Reseau::Net net = lireLeNet("tr a p -> q\ntr b q s -> p x\ntr c q*2 -> p y\npl p (4)\npl s (3)\n");
+    Reseau::Couverture c(net, 1);
+    ASSERT_TRUE(c.explorer(SANS_LIMITE, false));
+    EXPECT_FALSE(c.nonBornee());
+    EXPECT_EQ(c.accelerations().nombre(), 0U);
+}
+
 TEST(FranchissementTest, TheUsefulTransitionsAreThoseThatAScanOfAllFinds) {
     Hasard h(8);
     for (int tour = 0; tour < 300; ++tour) {
