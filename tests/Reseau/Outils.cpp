@@ -155,9 +155,7 @@ std::optional<std::vector<int>> maximaParRecherche(const Net& net, std::size_t l
     return maxima;
 }
 
-std::optional<bool> atteint(const Net& net, int place, int compte, std::size_t limite) {
-    std::vector<int> but(static_cast<std::size_t>(net.places), 0);
-    but[static_cast<std::size_t>(place)] = compte;
+std::optional<bool> couvrable(const Net& net, const std::vector<int>& but, std::size_t limite) {
     std::vector<std::vector<int>> base{but};  // minimal markings from which the goal can be reached
     std::vector<std::vector<int>> aVoir{but};
     while (!aVoir.empty()) {
@@ -175,6 +173,12 @@ std::optional<bool> atteint(const Net& net, int place, int compte, std::size_t l
         }
     }
     return false;
+}
+
+std::optional<bool> atteint(const Net& net, int place, int compte, std::size_t limite) {
+    std::vector<int> but(static_cast<std::size_t>(net.places), 0);
+    but[static_cast<std::size_t>(place)] = compte;
+    return couvrable(net, but, limite);
 }
 
 namespace {

@@ -45,8 +45,10 @@ Net netDeReseauAuHasard(Hasard& h);
 /// What forward search finds: the exact largest counts when the reachable markings are at most `limite`.
 std::optional<std::vector<int>> maximaParRecherche(const Net& net, std::size_t limite);
 
-/// Whether a marking with at least `compte` tokens in `place` can be reached: by the backward algorithm on
-/// upward closed sets. Nothing when the basis grows beyond `limite`.
+/// Whether a marking with at least these tokens can be reached: by the backward algorithm on upward closed sets.
+/// Nothing when the basis grows beyond `limite`.
+std::optional<bool> couvrable(const Net& net, const std::vector<int>& but, std::size_t limite);
+/// The same of at least `compte` tokens in `place`.
 std::optional<bool> atteint(const Net& net, int place, int compte, std::size_t limite);
 
 struct Resultat {
