@@ -24,6 +24,8 @@ constexpr std::uint64_t CASES_EN_MEMOIRE = 10'000'000;  // of the dictionaries o
 constexpr std::size_t COUPES = 40;                      // on the way to one case
 constexpr std::size_t LIAISONS = 20;                    // rounds of connecting what a ray fires
 constexpr std::size_t PLONGEE = 40;                     // programs solved for one integer solution
+constexpr std::size_t RESERVES = 4;                     // pumps that are repeated to gather what another one needs,
+constexpr std::size_t FOIS = 64;                        // so many times
 constexpr Large INFINI = static_cast<Large>(1) << 126;
 
 std::uint64_t cases(const Net& net) { return (net.places.size() + 1) * (net.transitions.size() + 1); }
@@ -59,6 +61,12 @@ std::optional<Compte> entiere(const Fraction& f, Large commun, Large fois) {
 bool accumuler(Large& somme, Large a, Large b) {
     Large terme = 0;
     return !__builtin_mul_overflow(a, b, &terme) && !__builtin_add_overflow(somme, terme, &somme);
+}
+
+/// A pump, repeated after its stem.
+Course repeter(Course tige, const Course& cycle) {
+    for (std::size_t i = 0; i < FOIS; ++i) tige.insert(tige.end(), cycle.begin(), cycle.end());
+    return tige;
 }
 
 /// Whether the solution contradicts the constraint; no when that cannot be worked out in 128 bits.
@@ -395,19 +403,25 @@ std::optional<std::vector<Compte>> Majorants::entiers(const Simplexe& s) const {
     return comptes;
 }
 
-/// Looks for a run to where the token can go once around with these counts and be back with no less.
+/// Looks for a run to where the token can go once around with these counts and be back with no less: near the start, or
+/// near the end of a pump that has gathered what it gives.
 void Majorants::tourner(const Question& q, const std::vector<Compte>& tour) {
-    const std::uint64_t accorde = std::min(travail_, q.parCourse);
-    std::uint64_t reste = accorde;
-    try {
-        if (auto course = promenade_->tourner(tour, reste)) {
-            q.tireur->adopter(std::move(*course));
-            q.tireur->pomper();
+    std::vector<Course> debuts{{}};
+    const std::vector<Tireur::Pompe>& pompes = q.tireur->pompes();
+    for (auto p = pompes.rbegin(); p != pompes.rend() && debuts.size() <= RESERVES; ++p)
+        debuts.push_back(repeter(q.tireur->tige(*p), q.tireur->cycle(*p)));
+    const std::size_t avant = pompes.size();
+    for (const Course& debut : debuts) {
+        const std::uint64_t accorde = std::min(travail_, q.parCourse / debuts.size());
+        std::uint64_t reste = accorde;
+        try {
+            if (auto course = promenade_->tourner(tour, debut, reste)) q.tireur->pomper(std::move(*course));
+        } catch (const Debordement&) {
+            // What a move fires does not fit; it says nothing about the others.
         }
-    } catch (const Debordement&) {
-        // What a move fires does not fit; it says nothing about the others.
+        travail_ -= accorde - reste;
+        if (pompes.size() > avant) return;
     }
-    travail_ -= accorde - reste;
 }
 
 /// The next way to begin: this one, or another one.

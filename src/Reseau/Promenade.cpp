@@ -73,8 +73,9 @@ void Promenade::preparer(std::uint64_t& travail) {
     std::ranges::fill(parTour_, 0);
 }
 
-/// Tries the markings around the start, nearest first, a few for each place of the token.
-std::optional<Course> Promenade::tourner(const std::vector<Compte>& comptes, std::uint64_t& travail) {
+/// Tries the markings around the end of `avant`, nearest first, a few for each place of the token.
+std::optional<Course> Promenade::tourner(const std::vector<Compte>& comptes, const Course& avant,
+                                         std::uint64_t& travail) {
     preparer(travail);
     place_.reset();
     credit_ = 0;
@@ -84,7 +85,10 @@ std::optional<Course> Promenade::tourner(const std::vector<Compte>& comptes, std
         Bloc chemin;
     };
     std::vector<std::size_t> passages(net_.places.size(), 0);
-    std::vector<Etape> etapes{{net_.initial, jeton_.depart(), {{}, 1}}};
+    std::vector<Compte> debut = net_.initial;
+    for (const Bloc& bloc : avant) parcourir(net_, bloc, debut);
+    const auto ici = std::ranges::find_if(jeton_.places(), [&debut](std::uint32_t p) { return debut[p] > 0; });
+    std::vector<Etape> etapes{{std::move(debut), *ici, {{}, 1}}};
     for (std::size_t i = 0; i < etapes.size() && *travail_ > 0; ++i) {
         const Etape etape = etapes[i];
         const bool concernee =
@@ -92,6 +96,7 @@ std::optional<Course> Promenade::tourner(const std::vector<Compte>& comptes, std
         if (concernee)
             if (auto tour = balayer({etape.marquage, comptes, etape.ici, 0, 0}, LARGEUR)) {
                 if (!etape.chemin.elans.empty()) tour->insert(tour->begin(), etape.chemin);
+                tour->insert(tour->begin(), avant.begin(), avant.end());
                 return tour;
             }
         for (const std::uint32_t t : departs_[etape.ici]) {

@@ -32,10 +32,10 @@ public:
     std::optional<Course> chercher(const std::vector<Compte>& comptes, std::uint32_t place, Compte plancher, Compte but,
                                    bool patient, std::uint64_t& travail);
 
-    /// @return a run whose last part fires each transition t `comptes[t]` times, if one is found near the start; its
-    /// first block is what comes before
+    /// @return a run that begins with `avant` and whose last part fires each transition t `comptes[t]` times, if one is
+    /// found near the end of `avant`; the block before the last part is how it comes there
     /// @param travail as for `chercher`
-    std::optional<Course> tourner(const std::vector<Compte>& comptes, std::uint64_t& travail);
+    std::optional<Course> tourner(const std::vector<Compte>& comptes, const Course& avant, std::uint64_t& travail);
 
 private:
     struct Etat {

@@ -283,6 +283,13 @@ void Tireur::pomper() {
     }
 }
 
+void Tireur::pomper(Course course) {
+    courses_.push_back(std::move(course));
+    const std::size_t avant = pompes_.size();
+    pomper();
+    if (pompes_.size() == avant) courses_.pop_back();
+}
+
 void Tireur::pomper(std::size_t debut, std::size_t fin) {
     const std::size_t numero = courses_.size() - 1;
     Pompe pompe{numero, debut, fin, {}, {}};

@@ -39,6 +39,8 @@ public:
     const std::vector<Compte>& minorants() const { return minorants_; }
     /// Looks for pumps in the last run that has reached something new.
     void pomper();
+    /// Looks for pumps in a run that another search has found, whether it reaches something new or not.
+    void pomper(Course course);
     /// Takes over a pump in that run: its blocks from `debut` to before `fin`.
     void pomper(std::size_t debut, std::size_t fin);
     /// A part of a run that takes nothing and adds something, so that it can be repeated for ever.

@@ -172,6 +172,37 @@ TEST(Certificat, APumpOfSeveralCyclesIsConnected) {
     EXPECT_NE(r.find("bound c w by"), std::string::npos) << r;
 }
 
+/// The solutions' runs have shown as much of m1 before as the round of the pump does.
+TEST(Certificat, APumpIsSeenInARunThatReachesNothingNew) {
+    const std::string net =
+        "tr t0 q0 -> q1\ntr t1 q0 m2*3 m4*2 -> q3 m3*3 m2\ntr t2 q1 -> q2\ntr t3 q1 m0 -> m3*3 q2\ntr t4 q2 -> q3\n"
+        "tr t5 m4*3 q2 -> q4 m1*3\ntr t6 q3 -> q4\ntr t7 q3 m4*2 -> q3 m4*3\ntr t8 q4 -> q0\ntr t9 m4*3 q4 m1*2 -> q4\n"
+        "tr t10 depart -> q0 m2*9201 m4*384585234\ntr t11 depart -> q1 m2*6239 m4*2 m0*7011975\npl depart (1)\n";
+    const std::string r = rapport(net, {.preuves = true});
+    EXPECT_EQ(essai::verifier(net, r, false), "") << r;
+    EXPECT_NE(r.find("bound m1 w by"), std::string::npos) << r;
+}
+
+/// A pump of some 300 firings needs a store of several kinds of molecules, which other pumps have to gather.
+TEST(Certificat, APumpStartsFromWhatAnotherHasGathered) {
+    const std::string net =
+        "tr t0 q0 -> q1\ntr t1 q0 m0*3 -> q1\ntr t2 q1 -> q2\ntr t3 q1 m2*2 -> q19 m5\ntr t4 q2 m5 -> q3\n"
+        "tr t5 q2 m4 m7 -> m2*2 q8 m1\ntr t6 q3 -> q4\ntr t7 q3 m7 -> q10\ntr t8 q4 -> q5\ntr t9 q4 -> q0\n"
+        "tr t10 q5 -> q6\ntr t11 q5 -> q18\ntr t12 q6 -> q7\ntr t13 m1*3 q6 -> m2*2 m4*2 q17\ntr t14 q7 -> q8\n"
+        "tr t15 q7 -> q14\ntr t16 q8 -> q9\ntr t17 q8 m3 -> m0*2 m1*2 q7\ntr t18 m0 m5 q9 -> q10\n"
+        "tr t19 q9 -> q9\ntr t20 m2*3 q10 m8 -> m4 q11\ntr t21 m4 q10 m8*3 -> q6\ntr t22 q11 -> q12\n"
+        "tr t23 q11 -> q7\ntr t24 m1*3 m7*2 q12 -> m8 q13\ntr t25 q12 -> q12\ntr t26 m2*2 m3*2 q13 -> q14\n"
+        "tr t27 q13 -> q1\ntr t28 q14 -> q15\ntr t29 m4*3 q14 -> q1 m5 m2\ntr t30 q15 -> q16\n"
+        "tr t31 m1*2 q15 m6 -> q0 m3*2\ntr t32 q16 -> q17\ntr t33 m1*3 m3*3 q16 -> q1\ntr t34 q17 -> q18\n"
+        "tr t35 m4*3 q17 -> m5*2 m7 q16\ntr t36 q18 -> q19\ntr t37 m5*2 m2 q18 -> q8 m6*3\ntr t38 q19 -> q0\n"
+        "tr t39 q19 m2*2 m8 -> m5*3 q5\ntr t40 depart -> q2 m5*6899928 m2*57187944 m3*996634 m6\n"
+        "tr t41 depart -> q2 m5 m1*99691 m3*4\npl depart (1)\n";
+    const std::string r = rapport(net, {.preuves = true});
+    EXPECT_EQ(essai::verifier(net, r, false), "");
+    for (const char* p : {"m0", "m1", "m2", "m4", "m5", "m6", "m7"})
+        EXPECT_NE(r.find(std::string("bound ") + p + " w by"), std::string::npos) << p;
+}
+
 /// Each round takes one of m for one of c, but it takes four and gives three back: the last one needs four.
 TEST(Certificat, TheLastFiringOfATransitionNeedsWhatItTakes) {
     const std::string net = "tr i q0 -> q1 m*1000000000\ntr a q1 m*4 -> q2 c\ntr b q2 -> q1 m*3\npl q0 (1)\n";
