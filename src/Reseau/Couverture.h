@@ -114,12 +114,15 @@ private:
         Liasse epuisees;             // markings that need no ancestors, latest last
         bool vide() const { return tete == AUCUN && epuisees.taille() == 0; }
     };
-    /// What is expanded first: the greatest.
+    /// What is expanded first: the greatest. Most tokens first leaves few to wait; but once there are omegas, most
+    /// marked places first finds the others sooner.
     struct Rang {
         std::uint32_t omegas;
         std::uint32_t marquees;  // places
         std::uint64_t jetons;
         bool operator<(const Rang& autre) const {
+            if (omegas == 0 && autre.omegas == 0)
+                return std::tie(jetons, marquees) < std::tie(autre.jetons, autre.marquees);
             return std::tie(omegas, marquees, jetons) < std::tie(autre.omegas, autre.marquees, autre.jetons);
         }
     };
