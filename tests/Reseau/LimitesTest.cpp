@@ -132,6 +132,8 @@ TEST_P(Limites, ASequenceMayNeedMoreThanTheLargestCountFromAnUnboundedPlace) {
 
 TEST_P(Limites, APumpThatAddsTheLargestCountIsAPump) {
     exacts("tr t -> b*" + M + "\n", {{"b", Reseau::OMEGA}});
+    exacts("tr t -> b\npl b (" + M + ")\n", {{"b", Reseau::OMEGA}});
+    exacts("tr t a -> a b\npl a (1)\npl b (" + M + ")\n", {{"a", 1}, {"b", Reseau::OMEGA}});
     exacts("tr t a -> a b*" + M + "\ntr u b*" + M + " -> c*" + M + "\npl a (1)\n",
            {{"a", 1}, {"b", Reseau::OMEGA}, {"c", Reseau::OMEGA}});
 }
