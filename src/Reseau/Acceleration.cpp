@@ -39,29 +39,45 @@ bool rendentTout(const Creux& un, const Creux& autre) {
     return std::all_of(b, autre.end(), [](const Poids& p) { return p.compte > 0; }) && (ajoutent || b != autre.end());
 }
 
+/// What a transition needs where it can be repeated.
+Creux besoins(const Transition& t) {
+    Creux resultat = t.pre;
+    for (Poids& p : resultat)
+        if (valeur(t.effet, p.place) < 0) p.compte = OMEGA;
+    return resultat;
+}
+
+/// Whether `forte` does wherever it can be repeated what `faible` does, and can be wherever that one can.
+bool subsume(const Acceleration& forte, const Acceleration& faible) {
+    return std::ranges::includes(forte.pompes, faible.pompes) &&
+           std::ranges::all_of(forte.pre, [&](const Poids& p) { return p.compte <= valeur(faible.pre, p.place); });
+}
+
 }  // namespace
 
 Accelerations::Accelerations(const Net& net)
     : net_(net),
-      parBesoin_(net.places.size()),
-      parOmega_(net.places.size()),
-      candidatsParBesoin_(net.places.size()),
-      candidatsParOmega_(net.places.size()),
+      demandes_(net.places.size(), 0),
+      attentes_(net.places.size()),
+      candidats_(net.places.size()),
+      parPompe_(net.places.size()),
       pre_(net.places.size(), 0),
       effet_(net.places.size(), 0),
       touchee_(net.places.size(), 0) {
+    for (const Transition& tir : net.transitions)
+        for (const Poids& p : tir.pre) ++demandes_[p.place];
     for (std::uint32_t t = 0; t < net.transitions.size(); ++t) {
         const Transition& tir = net.transitions[t];
         if (std::ranges::none_of(tir.effet, [](const Poids& e) { return e.compte > 0; })) continue;
         if (tir.pre.empty()) candidatsAEssayer_.push_back(t);
-        for (const Poids& p : tir.pre) attente(tir, p.place).push_back(t);
+        attendre(candidats_, t, besoins(tir));
     }
     chercherLesPaires();
 }
 
 /// Looks for pairs among the transitions that take something and those that bring it back: where the fewest do.
 void Accelerations::chercherLesPaires() {
-    Listes producteurs(net_.places.size());
+    std::vector<std::vector<std::uint32_t>> producteurs(net_.places.size());
     for (std::uint32_t t = 0; t < net_.transitions.size(); ++t)
         for (const Poids& e : net_.transitions[t].effet)
             if (e.compte > 0) producteurs[e.place].push_back(t);
@@ -79,9 +95,23 @@ void Accelerations::chercherLesPaires() {
             if (paires_.size() == RETENUES) return;
             paires_.push_back(composer({{Pas::TIR, t}, {Pas::TIR, u}}));
             const auto numero = static_cast<std::uint32_t>(net_.transitions.size() + paires_.size() - 1);
-            for (const Poids& p : paires_.back().pre) candidatsParBesoin_[p.place].push_back(numero);
+            attendre(candidats_, numero, paires_.back().pre);
         }
     }
+}
+
+/// Has `numero` tried when one of `besoins` is met.
+void Accelerations::attendre(Attentes& attentes, std::uint32_t numero, const Creux& besoins) {
+    const auto demandes = [this](const Poids& besoin) { return demandes_[besoin.place]; };
+    Creux rares(std::min<std::size_t>(besoins.size(), 2));
+    std::ranges::partial_sort_copy(besoins, rares, {}, demandes, demandes);
+    for (const Poids& besoin : besoins)
+        attentes.de(besoin).push_back({numero, besoin == rares.front() ? rares.back() : rares.front()});
+}
+
+void Accelerations::oublier(Attentes& attentes, std::uint32_t numero, const Creux& besoins) {
+    for (const Poids& besoin : besoins)
+        std::erase_if(attentes.de(besoin), [numero](const Attente& a) { return a.numero == numero; });
 }
 
 void Accelerations::toucher(std::uint32_t place) {
@@ -122,11 +152,10 @@ std::uint32_t Accelerations::apprendre(std::vector<Pas> pas) { return inscrire(c
 std::uint32_t Accelerations::apprendre(std::uint32_t candidat) {
     if (candidat >= net_.transitions.size()) {
         Acceleration& paire = paires_[candidat - net_.transitions.size()];
-        for (const Poids& p : paire.pre) std::erase(candidatsParBesoin_[p.place], candidat);
+        oublier(candidats_, candidat, paire.pre);
         return inscrire(std::move(paire));
     }
-    const Transition& t = net_.transitions[candidat];
-    for (const Poids& p : t.pre) std::erase(attente(t, p.place), candidat);
+    oublier(candidats_, candidat, besoins(net_.transitions[candidat]));
     return apprendre(std::vector<Pas>{{Pas::TIR, candidat}});
 }
 
@@ -146,29 +175,67 @@ Acceleration Accelerations::composer(std::vector<Pas> pas) {
     return a;
 }
 
+/// Enters one, unless one that is known does as much with no more; those that it does as much as are tried no longer.
 std::uint32_t Accelerations::inscrire(Acceleration a) {
     const std::uint32_t numero = nombre();
     liste_.push_back(std::move(a));
     const Acceleration& neuve = liste_.back();
-    const auto subsume = [](const Acceleration& forte, const Acceleration& faible) {
-        return std::ranges::includes(forte.pompes, faible.pompes) &&
-               std::ranges::all_of(forte.pre, [&](const Poids& p) { return p.compte <= valeur(faible.pre, p.place); });
-    };
-    if (std::ranges::none_of(actives_, [&](std::uint32_t i) { return subsume(liste_[i], neuve); })) {
-        std::erase_if(actives_, [&](std::uint32_t i) {
-            if (!subsume(neuve, liste_[i])) return false;
-            for (const Poids& p : liste_[i].pre) std::erase(attente(p), i);
-            return true;
-        });
-        actives_.push_back(numero);
-        for (const Poids& p : neuve.pre) attente(p).push_back(numero);
+    if (subsumee(neuve)) return numero;
+    for (const std::uint32_t i : subsumees(neuve)) {
+        actives_.erase(std::ranges::lower_bound(actives_, i));
+        oublier(attentes_, i, liste_[i].pre);
+        for (const std::uint32_t p : liste_[i].pompes) std::erase(parPompe_[p], i);
     }
+    actives_.push_back(numero);
+    attendre(attentes_, numero, neuve.pre);
+    for (const std::uint32_t p : neuve.pompes) parPompe_[p].push_back(numero);
     return numero;
 }
 
-bool Accelerations::applicable(const Acceleration& a, const Marquage& m) const {
-    return std::ranges::any_of(a.pompes, [&](std::uint32_t p) { return m[p] != OMEGA; }) &&
-           std::ranges::all_of(a.pre, [&](const Poids& p) { return m[p.place] >= p.compte; });
+/// Whether an active one pumps all that `a` pumps and needs no more: one of those that pump what the fewest pump.
+bool Accelerations::subsumee(const Acceleration& a) const {
+    const auto combien = [this](std::uint32_t p) { return parPompe_[p].size(); };
+    return std::ranges::any_of(parPompe_[*std::ranges::min_element(a.pompes, {}, combien)],
+                               [&](std::uint32_t i) { return subsume(liste_[i], a); });
+}
+
+/// The active ones that pump no more than `a` and need all that it needs: some of those that need what the fewest need.
+std::vector<std::uint32_t> Accelerations::subsumees(const Acceleration& a) const {
+    std::vector<std::uint32_t> toutes = actives_;
+    if (!a.pre.empty()) {
+        const auto combien = [this](const Poids& p) { return attentes_.nombre(p.place); };
+        const std::uint32_t rare = std::ranges::min_element(a.pre, {}, combien)->place;
+        toutes.clear();
+        for (const auto* ici : {&attentes_.parBesoin[rare], &attentes_.parOmega[rare]})
+            for (const Attente& x : *ici) toutes.push_back(x.numero);
+    }
+    std::erase_if(toutes, [&](std::uint32_t i) { return !subsume(a, liste_[i]); });
+    return toutes;
+}
+
+/// Looks up once for each parent whether it and what comes of it has omega wherever something is raised.
+template <class F>
+bool Accelerations::accomplie(std::vector<Accomplie>& vues, std::uint32_t numero, F&& leve) const {
+    if (parent_ == nullptr) return false;
+    if (numero >= vues.size()) vues.resize(numero + 1);
+    Accomplie& ici = vues[numero];
+    if (ici.parent != parents_) ici = {parents_, !leve(*parent_)};
+    return ici.oui;
+}
+
+bool Accelerations::leveEncore(const Acceleration& a, const Marquage& m) {
+    return std::ranges::any_of(a.pompes, [&](std::uint32_t p) { return m[p] != OMEGA; });
+}
+
+bool Accelerations::candidatLeveEncore(std::uint32_t candidat, const Marquage& m) const {
+    const std::size_t tirs = net_.transitions.size();
+    if (candidat >= tirs) return leveEncore(paires_[candidat - tirs], m);
+    return std::ranges::any_of(net_.transitions[candidat].effet,
+                               [&](const Poids& e) { return e.compte > 0 && m[e.place] != OMEGA; });
+}
+
+bool Accelerations::applicable(const Acceleration& a, const Marquage& m) {
+    return leveEncore(a, m) && std::ranges::all_of(a.pre, [&](const Poids& p) { return m[p.place] >= p.compte; });
 }
 
 /// Whether the transition can be fired as often as one likes, and adds to a finite place.
@@ -188,6 +255,7 @@ bool Accelerations::repetable(std::uint32_t candidat, const Marquage& m) const {
 }
 
 void Accelerations::appliquer(Marquage& m, std::vector<std::uint32_t>& appliquees) {
+    parent_ = nullptr;
     aEssayer_ = actives_;
     propager(m, appliquees);
 }
@@ -211,11 +279,13 @@ void Accelerations::propager(Marquage& m, std::vector<std::uint32_t>& appliquees
         if (!aEssayer_.empty()) {
             const std::uint32_t i = aEssayer_.back();
             aEssayer_.pop_back();
-            if (applicable(liste_[i], m)) pomper(i, m, appliquees);
+            const auto leve = [&](const Marquage& parent) { return leveEncore(liste_[i], parent); };
+            if (!accomplie(accomplies_, i, leve) && applicable(liste_[i], m)) pomper(i, m, appliquees);
         } else if (!candidatsAEssayer_.empty()) {
             const std::uint32_t c = candidatsAEssayer_.back();
             candidatsAEssayer_.pop_back();
-            if (repetable(c, m)) pomper(apprendre(c), m, appliquees);
+            const auto leve = [&](const Marquage& parent) { return candidatLeveEncore(c, parent); };
+            if (!accomplie(candidatsAccomplis_, c, leve) && repetable(c, m)) pomper(apprendre(c), m, appliquees);
         } else {
             return;
         }
@@ -224,14 +294,15 @@ void Accelerations::propager(Marquage& m, std::vector<std::uint32_t>& appliquees
 
 /// Puts what may have become possible because `place` has gained on what is to be tried.
 void Accelerations::essayer(std::uint32_t place, const Marquage& m) {
-    const auto joindre = [place](std::vector<std::uint32_t>& liste, const Listes& listes) {
-        liste.insert(liste.end(), listes[place].begin(), listes[place].end());
+    const auto joindre = [&m](std::vector<std::uint32_t>& liste, const std::vector<Attente>& attentes) {
+        for (const Attente& a : attentes)
+            if (m[a.autre.place] >= a.autre.compte) liste.push_back(a.numero);
     };
-    joindre(aEssayer_, parBesoin_);
-    joindre(candidatsAEssayer_, candidatsParBesoin_);
+    joindre(aEssayer_, attentes_.parBesoin[place]);
+    joindre(candidatsAEssayer_, candidats_.parBesoin[place]);
     if (m[place] != OMEGA) return;
-    joindre(aEssayer_, parOmega_);
-    joindre(candidatsAEssayer_, candidatsParOmega_);
+    joindre(aEssayer_, attentes_.parOmega[place]);
+    joindre(candidatsAEssayer_, candidats_.parOmega[place]);
 }
 
 /// Raises what an acceleration pumps.

@@ -45,6 +45,11 @@ public:
     /// @return its number
     std::uint32_t apprendre(std::vector<Pas> pas);
 
+    /// Until every known acceleration is applied, markings are successors of `parent`, which must stay where it is.
+    void partirDe(const Marquage& parent) {
+        parent_ = &parent;
+        ++parents_;
+    }
     /// Applies every known acceleration to `m`, which no transition can be repeated in, until none changes it; appends
     /// the numbers of those that did to `appliquees`.
     void appliquer(Marquage& m, std::vector<std::uint32_t>& appliquees);
@@ -55,24 +60,47 @@ public:
     void appliquer(std::uint32_t numero, Marquage& m, std::vector<std::uint32_t>& appliquees);
 
 private:
-    using Listes = std::vector<std::vector<std::uint32_t>>;
+    /// What is tried when a place has gained, unless another one of its needs, the rarest, is not met.
+    struct Attente {
+        std::uint32_t numero;
+        Poids autre;
+    };
+    /// By place: those that need some tokens of it, and those that need it to be omega.
+    struct Attentes {
+        std::vector<std::vector<Attente>> parBesoin;
+        std::vector<std::vector<Attente>> parOmega;
 
-    std::vector<std::uint32_t>& attente(const Poids& besoin) {
-        return (besoin.compte == OMEGA ? parOmega_ : parBesoin_)[besoin.place];
-    }
-    std::vector<std::uint32_t>& attente(const Transition& t, std::uint32_t place) {
-        return (valeur(t.effet, place) < 0 ? candidatsParOmega_ : candidatsParBesoin_)[place];
-    }
+        explicit Attentes(std::size_t places) : parBesoin(places), parOmega(places) {}
+        std::vector<Attente>& de(const Poids& besoin) {
+            return (besoin.compte == OMEGA ? parOmega : parBesoin)[besoin.place];
+        }
+        std::size_t nombre(std::uint32_t place) const { return parBesoin[place].size() + parOmega[place].size(); }
+    };
+
+    /// Whether an acceleration raises nothing any more, and of which parent that has been found.
+    struct Accomplie {
+        std::uint64_t parent = 0;
+        bool oui = false;
+    };
+
+    void attendre(Attentes& attentes, std::uint32_t numero, const Creux& besoins);
+    static void oublier(Attentes& attentes, std::uint32_t numero, const Creux& besoins);
     void propager(Marquage& m, std::vector<std::uint32_t>& appliquees);
     void essayer(std::uint32_t place, const Marquage& m);
     void pomper(std::uint32_t numero, Marquage& m, std::vector<std::uint32_t>& appliquees);
-    bool applicable(const Acceleration& a, const Marquage& m) const;
+    template <class F>
+    bool accomplie(std::vector<Accomplie>& vues, std::uint32_t numero, F&& leve) const;
+    static bool leveEncore(const Acceleration& a, const Marquage& m);
+    bool candidatLeveEncore(std::uint32_t candidat, const Marquage& m) const;
+    static bool applicable(const Acceleration& a, const Marquage& m);
     bool repetable(const Transition& t, const Marquage& m) const;
     bool repetable(std::uint32_t candidat, const Marquage& m) const;
     std::uint32_t apprendre(std::uint32_t candidat);
     void chercherLesPaires();
     Acceleration composer(std::vector<Pas> pas);
     std::uint32_t inscrire(Acceleration a);
+    bool subsumee(const Acceleration& a) const;
+    std::vector<std::uint32_t> subsumees(const Acceleration& a) const;
     void suivre(const Pas& p);
     void exiger(std::uint32_t place, Compte besoin);
     void ajouter(std::uint32_t place, Compte effet);
@@ -80,14 +108,16 @@ private:
 
     const Net& net_;
     std::vector<Acceleration> liste_;
-    std::vector<std::uint32_t> actives_;  // those not subsumed by another one, ascending
-    std::vector<Acceleration> paires_;    // of transitions
-    // By place: of the active ones, and of the candidates that are not learnt (the transitions, and numbered after them
-    // the pairs), those that need some tokens of it, and those that need it to be omega.
-    Listes parBesoin_;
-    Listes parOmega_;
-    Listes candidatsParBesoin_;
-    Listes candidatsParOmega_;
+    std::vector<std::uint32_t> actives_;   // those not subsumed by another one, ascending
+    std::vector<Acceleration> paires_;     // of transitions
+    std::vector<std::uint32_t> demandes_;  // by place, how many transitions need it
+    Attentes attentes_;                    // of the active ones
+    Attentes candidats_;  // of those that are not learnt: the transitions, and numbered after them the pairs
+    std::vector<std::vector<std::uint32_t>> parPompe_;  // by place, the active ones that raise it
+    const Marquage* parent_ = nullptr;
+    std::uint64_t parents_ = 0;                  // so far
+    std::vector<Accomplie> accomplies_;          // by acceleration
+    std::vector<Accomplie> candidatsAccomplis_;  // by candidate
     // Empty between calls, but for the transitions that need nothing before the first one.
     std::vector<std::uint32_t> aEssayer_;
     std::vector<std::uint32_t> candidatsAEssayer_;

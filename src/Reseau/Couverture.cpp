@@ -142,14 +142,27 @@ void Couverture::developper() {
     if (noeud != AUCUN) arbre_.ouvrir(noeud);
     if (!epuise_) lignee_.suivre(arbre_, *champs_, noeud);
     connues_ = accelerations_.nombre();
+    accelerations_.partirDe(parent_);
     champs_->pourChaqueMarquee(parent_.mots(), [this](std::uint32_t p) { ++marquee_[p]; });
     if (std::has_single_bit(explores_)) franchissement_.guetter(marquee_);
     franchissement_.utiles(parent_.mots(), tirs_);
     for (const std::uint32_t t : tirs_) {
         // Its coverer stands in the frontier and is expanded in its place.
-        if (successeur(t) && champs_->couvre(courant_.mots(), parent_.mots())) break;
+        if (depassee() || (successeur(t) && champs_->couvre(courant_.mots(), parent_.mots()))) break;
     }
     if (noeud != AUCUN) fermer(noeud);
+}
+
+/// Whether what its successors have taught changes `parent_`; then what comes of it is kept.
+bool Couverture::depassee() {
+    if (connues_ == accelerations_.nombre()) return false;
+    courant_ = parent_;
+    std::vector<std::uint32_t> pompes;
+    accelerations_.appliquer(courant_, {}, connues_, pompes);
+    connues_ = accelerations_.nombre();
+    if (pompes.empty()) return false;
+    if (!connu()) garder(noeud_, AUCUN, std::move(pompes));
+    return true;
 }
 
 /// Ends the expansion of a node.

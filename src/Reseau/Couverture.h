@@ -135,6 +135,7 @@ private:
     bool sommet();
     void oterSommet();
     void developper();
+    bool depassee();
     void fermer(std::uint32_t noeud);
     bool successeur(std::uint32_t tir);
     bool connu() const;

@@ -421,6 +421,28 @@ TEST(AccelerationsTest, TwoTransitionsThatTakeSomethingTogetherAreNotRepeated) {
     EXPECT_EQ(c.accelerations().nombre(), 0U);
 }
 
+/// Threads without end in a ring of locations, which hand on a shared counter: thousands of transitions can be repeated
+/// somewhere, and none is tried over and over where it raises nothing any more.
+TEST(AccelerationsTest, ThousandsThatMayBeRepeatedAreTriedWhereTheyRaiseSomething) {
+    constexpr std::uint32_t ETATS = 8;
+    constexpr std::uint32_t LIEUX = 1000;
+    Reseau::Net net;
+    net.places.resize(ETATS + LIEUX);
+    net.initial.assign(ETATS + LIEUX, 0);
+    net.initial[0] = 1;
+    net.ajouter("source", {}, {{ETATS, 1}});
+    for (std::uint32_t v = 0; v < ETATS; ++v)
+        for (std::uint32_t i = 0; i < LIEUX; ++i)
+            net.ajouter("t", {{v, 1}, {ETATS + i, 1}},
+                        {{i % 3 == 0 ? v : (v + 1) % ETATS, 1}, {ETATS + (i + 1) % LIEUX, 1}});
+    Reseau::Couverture c(net, 1);
+    ASSERT_TRUE(c.explorer(SANS_LIMITE, false));
+    EXPECT_GT(c.accelerations().nombre(), LIEUX / 2);
+    EXPECT_LT(c.explores(), LIEUX);
+    EXPECT_EQ(c.maximaux(), ETATS);
+    for (std::uint32_t p = 0; p < net.places.size(); ++p) EXPECT_EQ(c.maxima()[p], p < ETATS ? 1 : OMEGA) << p;
+}
+
 TEST(FranchissementTest, TheUsefulTransitionsAreThoseThatAScanOfAllFinds) {
     Hasard h(8);
     for (int tour = 0; tour < 300; ++tour) {
