@@ -19,11 +19,23 @@ Composantes::Composantes(const Net& net)
 
 std::optional<Creux> Composantes::chercher(std::uint32_t place, Compte borne, const std::vector<Compte>& vus,
                                            std::uint64_t& travail) {
-    const std::uint64_t accorde = std::min(travail, TRAVAIL);
+    return depuis({{place, 1}}, borne, vus, TRAVAIL, travail);
+}
+
+std::optional<Creux> Composantes::couvrir(const std::vector<Compte>& vus, std::uint64_t& travail) {
+    Creux toutes;
+    for (std::uint32_t p = 0; p < net_.places.size(); ++p) toutes.push_back({p, 1});
+    return depuis(toutes, OMEGA - 1, vus, travail, travail);
+}
+
+/// The set that grows from `germe`, whose first place it is to bound.
+std::optional<Creux> Composantes::depuis(const Creux& germe, Compte borne, const std::vector<Compte>& vus,
+                                         std::uint64_t plus, std::uint64_t& travail) {
+    const std::uint64_t accorde = std::min(travail, plus);
     travail_ = accorde;
-    place_ = place;
+    place_ = germe.front().place;
     borne_ = borne;
-    ajouter({place, 1});
+    for (const Poids& p : germe) ajouter(p);
     std::optional<Creux> resultat;
     if (jetons_ <= borne_ && completer(vus)) {
         resultat.emplace();

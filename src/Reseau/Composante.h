@@ -29,6 +29,10 @@ public:
     /// @return its places, ascending, with their weights
     std::optional<Creux> chercher(std::uint32_t place, Compte borne, const std::vector<Compte>& vus,
                                   std::uint64_t& travail);
+    /// Looks for weights for all places, each at least one, of which the sum never becomes more: one each and more
+    /// where they must be. It may miss them.
+    /// @return as `chercher`
+    std::optional<Creux> couvrir(const std::vector<Compte>& vus, std::uint64_t& travail);
 
 private:
     struct Arc {
@@ -43,6 +47,8 @@ private:
         std::vector<Poids> places;  // not tried yet, the next one last
     };
 
+    std::optional<Creux> depuis(const Creux& germe, Compte borne, const std::vector<Compte>& vus, std::uint64_t plus,
+                                std::uint64_t& travail);
     bool completer(const std::vector<Compte>& vus);
     bool propager(const std::vector<Compte>& vus);
     std::vector<Poids> candidates(std::uint32_t transition, const std::vector<Compte>& vus);

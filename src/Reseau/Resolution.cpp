@@ -186,7 +186,7 @@ void Resolution::regler(const Creux& composante, bool preuves) {
     }
 }
 
-/// Bounds all places together by sets that cover them all.
+/// Bounds all places together by a set of all, or else by several that cover them all.
 /// @return whether there are such sets
 bool Resolution::majorerEnsembleParComposantes() {
     const std::vector<Compte>& vus = couverture.maxima();
@@ -194,13 +194,18 @@ bool Resolution::majorerEnsembleParComposantes() {
     std::uint64_t travail = COMPOSANTES;
     Cas cas;
     cas.facteur = 1;
+    const auto prendre = [&](const Creux& composante) {
+        cas.total += poidsInitial(net_, composante);
+        for (const Poids& q : composante) poids[q.place] += q.compte;
+    };
+    std::uint64_t part = travail / 2;
+    if (const auto toutes = composantes_.couvrir(vus, part)) prendre(*toutes);
     for (std::uint32_t p = 0; p < poids.size(); ++p) {
         if (poids[p] > 0) continue;
         auto composante = composantes_.chercher(p, std::max<Compte>(vus[p], 1), vus, travail);  // the fewest choices
         if (!composante) composante = composantes_.chercher(p, OMEGA - 1, vus, travail);
         if (!composante) return false;
-        cas.total += poidsInitial(net_, *composante);
-        for (const Poids& q : *composante) poids[q.place] += q.compte;
+        prendre(*composante);
     }
     for (std::uint32_t p = 0; p < poids.size(); ++p)
         if (poids[p] > 1) cas.multiplicateurs.emplace_back(p, poids[p] - 1);

@@ -521,6 +521,42 @@ TEST(ComposantesTest, ATokenWeighsAsMuchAsItMust) {
     EXPECT_EQ(*perdu, (Reseau::Creux{{0, 4}, {1, 4}, {2, 12}, {3, 1}}));
 }
 
+TEST(ComposantesTest, AllPlacesAreWeighedTogether) {
+    const std::string permis =
+        "tr a permis -> lit\ntr b lit -> permis\ntr c permis*3 -> ecrit\ntr d ecrit -> permis*3\n";
+    const auto couvrir = [](const std::string& texte, std::uint64_t travail) {
+        const Reseau::Net net = lireLeNet(texte + "pl permis (3)\n");
+        return Reseau::Composantes(net).couvrir(net.initial, travail);
+    };
+    EXPECT_EQ(couvrir(permis, 1000), (Reseau::Creux{{0, 1}, {1, 1}, {2, 3}}));
+    EXPECT_EQ(couvrir(permis + "tr e lit*2 -> perdu*7\n", 1000), (Reseau::Creux{{0, 4}, {1, 4}, {2, 12}, {3, 1}}));
+    EXPECT_EQ(couvrir(permis + "tr e -> lit\n", 1000), std::nullopt);
+    EXPECT_EQ(couvrir(permis, 0), std::nullopt);
+}
+
+/// Threads that move on together with a shared state. Each place for itself would be looked for in vain: whether the
+/// state or the thread brings a token back is another choice at each transition.
+TEST(ComposantesTest, ThreadsThatAreNeverMoreNeedNoChoices) {
+    constexpr std::uint64_t ETATS = 500;
+    constexpr std::uint64_t LIEUX = 200;
+    std::mt19937_64 hasard(1);
+    Reseau::Net net;
+    net.places.resize(ETATS + LIEUX);
+    net.initial.assign(ETATS + LIEUX, 0);
+    net.initial[0] = 1;
+    net.initial[ETATS] = 3;
+    const auto place = [](std::uint64_t p) { return Reseau::Poids{static_cast<std::uint32_t>(p), 1}; };
+    for (std::uint64_t t = 0; t < 10 * ETATS; ++t) {
+        const std::uint64_t etat = t % ETATS;
+        const std::uint64_t lieu = t % LIEUX;
+        net.ajouter("t", {place(etat), place(ETATS + (lieu * hasard()) % LIEUX)},
+                    {place((etat + 1 + hasard() % 3) % ETATS), place(ETATS + (lieu + hasard() % 4) % LIEUX)});
+    }
+    const Reseau::Rapport rapport = Reseau::analyser(net, {.verdictSeul = true, .fils = 1});
+    EXPECT_TRUE(rapport.bornee);
+    EXPECT_LE(rapport.explores, 8000U);
+}
+
 /// Of nets of thousands of places, the exploration sees a corner; the rest is walked to and settled by sets.
 TEST(VisitesTest, LargeNetsOfSmallPartsAreAnsweredWithoutExploringThem) {
     const std::vector<std::tuple<std::string, int, bool, Compte>> nets{
