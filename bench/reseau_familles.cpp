@@ -224,6 +224,43 @@ Reseau::Net programme(int n) {
     return c.finir();
 }
 
+/// A program of n statements over three shared and four local bits, run by threads that are created without end: a
+/// statement is a transition for each valuation of the bits that it reads or writes.
+Reseau::Net programmeLocal(int n) {
+    constexpr int PARTAGES = 8;  // valuations
+    constexpr int LOCAUX = 16;
+    Hasard h(static_cast<std::uint64_t>(n));
+    Chantier c;
+    const auto lieu = [n](int i, int locaux) { return nom("l", i % n) + "_" + std::to_string(locaux); };
+    const auto poser = [](int bits, int bit, bool valeur) { return valeur ? bits | bit : bits & ~bit; };
+    c.tr("", lieu(0, 0));
+    for (int i = 0; i < n; ++i) {
+        const int bit = 1 << tirer(h, 3);
+        const int local = 1 << tirer(h, 4);
+        const int saut = tirer(h, n);
+        const int genre = tirer(h, 8);
+        for (int x = 0; x < LOCAUX; ++x) {
+            if (genre == 0) c.tr(lieu(i, x), lieu(i + 1, x));                       // nothing that the bits tell
+            if (genre == 1) c.tr(lieu(i, x), lieu(i + 1, poser(x, local, false)));  // a local bit becomes any
+            if (genre == 1) c.tr(lieu(i, x), lieu(i + 1, poser(x, local, true)));
+            for (int v = 0; v < PARTAGES && genre > 1; ++v) {
+                std::string suite = lieu(i + 1, x);
+                int w = v;
+                if (genre == 2) w = poser(v, bit, true);
+                if (genre == 3) w = poser(v, bit, false);
+                if (genre == 4 && (v & bit) != 0) suite = lieu(saut, x);
+                if (genre == 5) suite = lieu(i + 1, poser(x, local, (v & bit) != 0));
+                if (genre == 6) w = poser(v, bit, (x & local) != 0);
+                if (genre == 7 && (v & bit) != 0) continue;  // a lock
+                if (genre == 7) w = v | bit;
+                c.tr(nom("v", v) + " " + lieu(i, x), nom("v", w) + " " + suite);
+            }
+        }
+    }
+    c.pl("v0", 1);
+    return c.finir();
+}
+
 /// A loop of n locations that posts calls of n / 10 kinds and serves them in any order, each by a way of its own.
 Reseau::Net appels(int n) {
     Hasard h(static_cast<std::uint64_t>(n));
@@ -440,6 +477,7 @@ const std::vector<Famille>& toutes() {
         {"buffers", tampons, {5, 20, 100, 1000}},
         {"n-bit counter", compteur, {2, 4, 8, 12}},
         {"threads", programme, {10, 100, 1000}},
+        {"threads, locals", programmeLocal, {10, 50, 250}},
         {"calls", appels, {100, 1000}},
         {"caches", caches, {2, 4, 8}},
         {"philosophers", philosophes, {2, 10, 1000}},
