@@ -80,7 +80,7 @@ bool Couverture::enumerer(std::uint64_t limite) {
 void Couverture::ceder() {
     enumeration_ = std::make_unique<Enumeration>(net_, maxima_, fils_);
     Blocs attente(champs_->octets());
-    for (; sommet(); oterSommet()) champs_->ranger(parent_.mots(), attente.ajouter());
+    for (; sommet(); frontiere_.oter(arbre_, *champs_)) champs_->ranger(parent_.mots(), attente.ajouter());
     for (; attente.taille() > 0; attente.oter()) {
         champs_->reprendre(attente.en(attente.taille() - 1), courant_.mots());
         enumeration_->admettre(champs_->creux(courant_.mots()), true);
@@ -97,20 +97,17 @@ void Couverture::ceder() {
 /// newer acceleration applies gives way to what comes of it.
 /// @return whether anything is left
 bool Couverture::sommet() {
-    while (!frontiere_.empty()) {
-        const Liste& liste = frontiere_.rbegin()->second;
-        noeud_ = liste.tete;
-        if (noeud_ == AUCUN)
-            champs_->reprendre(liste.epuisees.en(liste.epuisees.taille() - 1, champs_->octets()), parent_.mots());
-        else
-            arbre_.lire(noeud_, parent_.mots());
+    while (!frontiere_.vide()) {
+        frontiere_.choisir(explores_);
+        noeud_ = frontiere_.noeud();
+        frontiere_.lire(arbre_, *champs_, parent_.mots());
         const bool maximal = antichaine_.contient(parent_.mots());
         std::vector<std::uint32_t> pompes;
         courant_ = parent_;
-        if (maximal && noeud_ != AUCUN && liste.connues < accelerations_.nombre())
+        if (maximal && noeud_ != AUCUN && frontiere_.connues() < accelerations_.nombre())
             accelerations_.appliquer(courant_, pompes);
         if (maximal && pompes.empty()) return true;
-        oterSommet();
+        frontiere_.oter(arbre_, *champs_);
         if (noeud_ == AUCUN) continue;
         const std::uint32_t noeud = noeud_;
         arbre_.ouvrir(noeud);
@@ -121,22 +118,10 @@ bool Couverture::sommet() {
     return false;
 }
 
-void Couverture::oterSommet() {
-    const auto derniere = std::prev(frontiere_.end());
-    Liste& liste = derniere->second;
-    if (liste.tete == AUCUN)
-        liste.epuisees.raccourcir(liste.epuisees.taille() - 1, champs_->octets());
-    else
-        liste.tete = arbre_.suivant(liste.tete);
-    liste.connues = 0;
-    if (liste.vide()) frontiere_.erase(derniere);
-    --enAttente_;
-}
-
 /// Expands the top of the frontier.
 void Couverture::developper() {
     ++explores_;
-    oterSommet();
+    frontiere_.oter(arbre_, *champs_);
     const std::uint32_t noeud = noeud_;
     epuise_ = noeud == AUCUN || epuisement_.chez(*champs_, parent_.mots());
     if (noeud != AUCUN) arbre_.ouvrir(noeud);
@@ -225,22 +210,19 @@ void Couverture::garder(std::uint32_t parent, std::uint32_t tir, std::vector<std
     if (!incomparables_) antichaine_.retirer(courant_.mots());
     antichaine_.ajouter(courant_.mots());
 
-    const Rang rang = compterLeCourant();
+    const Frontiere::Rang rang = compterLeCourant();
     nonBornee_ = nonBornee_ || rang.omegas > 0;
-    Liste& liste = frontiere_[rang];
-    ++enAttente_;
     if (epuise_ && !chemins_) {
-        champs_->ranger(courant_.mots(), liste.epuisees.allonger(champs_->octets()));
+        frontiere_.ajouterEpuise(*champs_, rang, courant_.mots());
         return;
     }
     const std::uint32_t noeud = arbre_.ajouter(courant_.mots(), parent, tir, std::move(pompes));
-    arbre_.suivant(noeud) = std::exchange(liste.tete, noeud);
-    liste.connues = accelerations_.nombre();
+    frontiere_.ajouter(arbre_, rang, noeud, accelerations_.nombre());
 }
 
 /// The rank of `courant_`; its counts go into the maxima and the finite ones into `plafonds_`.
-Couverture::Rang Couverture::compterLeCourant() {
-    Rang rang{0, 0, 0};
+Frontiere::Rang Couverture::compterLeCourant() {
+    Frontiere::Rang rang;
     champs_->pourChaqueMarquee(courant_.mots(), [&](std::uint32_t p) {
         const Compte c = courant_[p];
         maxima_[p] = std::max(maxima_[p], c);
@@ -268,7 +250,7 @@ void Couverture::elargir() {
     antichaine_.convertir(*champs);
     arbre_.convertir(*champs);
     lignee_.convertir(*champs_, *champs);
-    for (auto& [rang, liste] : frontiere_) liste.epuisees.convertir(*champs_, *champs);
+    frontiere_.convertir(*champs_, *champs);
     const auto porter = [&](Marquage& m) {
         Marquage nouveau(*champs);
         convertir(*champs_, m.mots(), *champs, nouveau.mots());

@@ -1,11 +1,11 @@
 // The minimal coverability set: the finite set of maximal markings, omega included, whose downward closure is
 // the closure of what the net can reach. Every question asked here is read off it.
 //
-// The construction keeps an index over the maximal markings and a frontier, and repeats: take the frontier's marking
-// with the most omegas (of equals the one with the most marked places, then the most tokens); fire each transition;
-// apply every acceleration learnt so far, and every transition that can be repeated; drop the successor when a kept
-// marking covers it; otherwise compare it with its ancestors, and where it strictly covers one, learn the acceleration
-// of the path between them and apply it; then keep it, and retire the maximal markings that it covers.
+// The construction keeps an index over the maximal markings and a frontier, and repeats: take the frontier's next
+// marking; fire each transition; apply every acceleration learnt so far, and every transition that can be repeated;
+// drop the successor when a kept marking covers it; otherwise compare it with its ancestors, and where it strictly
+// covers one, learn the acceleration of the path between them and apply it; then keep it, and retire the maximal
+// markings that it covers.
 //
 // Why the answer is exact, whatever the order: what is kept is reachable or a limit of reachable markings,
 // since firing and accelerating are. At the end every maximal marking has been expanded and each of its
@@ -28,9 +28,7 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -41,7 +39,7 @@
 #include "Reseau/Conservation.h"
 #include "Reseau/Enumeration.h"
 #include "Reseau/Franchissement.h"
-#include "Reseau/Liasse.h"
+#include "Reseau/Frontiere.h"
 #include "Reseau/Marquage.h"
 #include "Reseau/Net.h"
 
@@ -78,7 +76,7 @@ public:
     /// The marking that it starts from.
     const std::vector<Compte>& initial() const { return initial_; }
     /// Whether the coverability set is complete, so that the maxima are the bounds.
-    bool complete() const { return commencee_ && (enumeration_ ? enumeration_->finie() : frontiere_.empty()); }
+    bool complete() const { return commencee_ && (enumeration_ ? enumeration_->finie() : frontiere_.vide()); }
     /// Whether some place has been found to be unbounded.
     bool nonBornee() const { return nonBornee_; }
     /// The largest count seen, by place; the place's exact bound once the set is complete.
@@ -99,7 +97,7 @@ public:
     /// Maximal markings found so far, whether or not they are expanded.
     std::uint64_t maximaux() const { return enumeration_ ? enumeration_->taille() : antichaine_.taille(); }
     /// Maximal or retired markings that wait to be expanded.
-    std::uint64_t enAttente() const { return enumeration_ ? enumeration_->enAttente() : enAttente_; }
+    std::uint64_t enAttente() const { return enumeration_ ? enumeration_->enAttente() : frontiere_.taille(); }
     /// Bytes of one packed marking.
     std::size_t octets() const { return enumeration_ ? enumeration_->octets() : champs_->octets(); }
 
@@ -107,39 +105,18 @@ private:
     static constexpr std::uint32_t AUCUN = Arbre::AUCUN;
     static constexpr std::uint32_t PROCHES = 256;  // ancestors that are compared in any case
 
-    /// What waits of one rank.
-    struct Liste {
-        std::uint32_t tete = AUCUN;  // nodes, chained through the tree, latest first
-        std::uint32_t connues = 0;   // of the accelerations, how many have been tried on the head
-        Liasse epuisees;             // markings that need no ancestors, latest last
-        bool vide() const { return tete == AUCUN && epuisees.taille() == 0; }
-    };
-    /// What is expanded first: the greatest. Most tokens first leaves few to wait; but once there are omegas, most
-    /// marked places first finds the others sooner.
-    struct Rang {
-        std::uint32_t omegas;
-        std::uint32_t marquees;  // places
-        std::uint64_t jetons;
-        bool operator<(const Rang& autre) const {
-            if (omegas == 0 && autre.omegas == 0)
-                return std::tie(jetons, marquees) < std::tie(autre.jetons, autre.marquees);
-            return std::tie(omegas, marquees, jetons) < std::tie(autre.omegas, autre.marquees, autre.jetons);
-        }
-    };
-
     void commencer();
     bool construire(std::uint64_t limite, bool arretOmega);
     bool enumerer(std::uint64_t limite);
     void ceder();
     bool atteinte();
     bool sommet();
-    void oterSommet();
     void developper();
     bool depassee();
     void fermer(std::uint32_t noeud);
     bool successeur(std::uint32_t tir);
     bool connu() const;
-    Rang compterLeCourant();
+    Frontiere::Rang compterLeCourant();
     bool accelerer(std::uint32_t tir, std::vector<std::uint32_t>& pompes);
     void garder(std::uint32_t parent, std::uint32_t tir, std::vector<std::uint32_t> pompes);
     void elargir();
@@ -161,14 +138,13 @@ private:
     Lignee lignee_;
     Accelerations accelerations_;
     Epuisement epuisement_;
-    std::map<Rang, Liste> frontiere_;
+    Frontiere frontiere_;
     std::uint32_t noeud_ = AUCUN;  // of `parent_`, when it has one
     bool epuise_ = false;          // whether nothing that `parent_` leads to can be accelerated
     std::uint32_t connues_ = 0;    // of the accelerations, how many do not change `parent_`
     std::vector<std::uint32_t> tirs_;
     std::vector<std::uint64_t> marquee_;  // by place, how many of the expanded markings mark it
     std::uint64_t gardes_ = 0;
-    std::uint64_t enAttente_ = 0;
     Marquage parent_;
     Marquage courant_;
     std::unique_ptr<Enumeration> enumeration_;  // once it has taken over

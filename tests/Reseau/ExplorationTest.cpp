@@ -319,6 +319,16 @@ TEST(CouvertureTest, RoomIsMadeForTheSuccessorsOfAMarkingAtOnce) {
     }
 }
 
+TEST(FrontiereTest, ProbesFindWhatTheMostTokensLeadAwayFrom) {
+    for (const int graine : {58, 77, 144, 274}) {
+        const Reseau::Net net = familles::dense(graine);
+        Reseau::Couverture couverture(net);
+        couverture.explorer(4000, false);  // without probes 38,000 and more
+        EXPECT_TRUE(couverture.complete()) << graine;
+        EXPECT_TRUE(couverture.nonBornee()) << graine;
+    }
+}
+
 TEST(EnumerationTest, RoomIsMadeForAllPlacesOfASuccessorAtOnce) {
     constexpr std::uint32_t N = 20000;
     Reseau::Net net;
