@@ -1,9 +1,11 @@
 #include "Reseau/Certificat.h"
 
 #include <algorithm>
+#include <numeric>
 #include <optional>
 #include <set>
 #include <string>
+#include <tuple>
 #include <variant>
 #include <vector>
 
@@ -32,10 +34,15 @@ private:
 
     void liste(const std::vector<std::uint32_t>& places);
     void marquage(const Creux& v);
+    void compte(Compte c);
     void pas(const std::vector<Pas>& run);
     void course(const Course& run);
     void accelerations(const std::vector<Pas>& run);
     void atteinte(std::uint32_t p);
+    void parExploration(std::uint32_t p);
+    void parCourse(std::uint32_t p);
+    void entete(std::uint32_t p, const char* comment);
+    std::vector<std::uint32_t> ordre() const;
     const char* nomDeLEnsemble() const;
     void ensemble();
     void nonBornee();
@@ -47,8 +54,11 @@ private:
     const Net& net_;
     const Partie& partie_;
     const Resolution& resolution_;
-    std::set<std::uint32_t> ecrites_;   // accelerations
-    std::optional<Depliage> depliage_;  // while what is told is about an unfolded net
+    std::set<std::uint32_t> ecrites_;        // accelerations
+    std::optional<Creux> montre_;            // the end of the last run of the exploration that shows a bound
+    std::optional<Tireur::Origine> suivie_;  // of the last other one
+    bool pompee_ = false;                    // whether that one ends with its pump
+    std::optional<Depliage> depliage_;       // while what is told is about an unfolded net
 };
 
 std::string Redacteur::place(std::uint32_t p) const {
@@ -68,11 +78,15 @@ void Redacteur::liste(const std::vector<std::uint32_t>& places) {
 void Redacteur::marquage(const Creux& v) {
     for (const Poids& p : v) {
         out_ << ' ' << place(p.place) << '*';
-        if (p.compte == OMEGA)
-            out_ << 'w';
-        else
-            out_ << p.compte;
+        compte(p.compte);
     }
+}
+
+void Redacteur::compte(Compte c) {
+    if (c == OMEGA)
+        out_ << 'w';
+    else
+        out_ << c;
 }
 
 void Redacteur::pas(const std::vector<Pas>& run) {
@@ -154,25 +168,60 @@ std::size_t Redacteur::pompe(std::size_t numero) {
     return numero;
 }
 
+/// The places that the exploration shows, then those that other runs show, each after what comes before it there, and
+/// at last those that pumps raise.
+std::vector<std::uint32_t> Redacteur::ordre() const {
+    std::vector<std::uint32_t> resultat(partie_.places.size());
+    std::iota(resultat.begin(), resultat.end(), 0U);
+    const auto rang = [this](std::uint32_t p) {
+        if (!resolution_.parCourse(p)) return std::tuple{false, false, std::size_t{0}, std::size_t{0}, std::size_t{0}};
+        const Tireur::Origine& o = resolution_.tireur.origine(p);
+        return std::tuple{true, resolution_.borne(p) == OMEGA, o.course, o.blocs, o.pompe};
+    };
+    std::ranges::stable_sort(resultat, {}, rang);
+    return resultat;
+}
+
 void Redacteur::atteinte(std::uint32_t p) {
-    const Compte borne = resolution_.borne(p);
-    const bool parCourse = resolution_.parCourse(p);
-    const std::vector<Pas> chemin =
-        parCourse ? std::vector<Pas>() : resolution_.couverture.chemin(resolution_.couverture.temoin(p));
-    accelerations(chemin);
-    const std::size_t finale = parCourse && borne == OMEGA ? pompe(resolution_.tireur.pompe(p)) : 0;
-    out_ << "bound " << place(p) << ' ';
-    if (borne == OMEGA)
-        out_ << 'w';
+    if (resolution_.parCourse(p))
+        parCourse(p);
     else
-        out_ << borne;
-    out_ << " by";
-    if (parCourse)
-        course(resolution_.tireur.course(p));
-    else
-        pas(chemin);
-    if (parCourse && borne == OMEGA) out_ << " *" << finale;
+        parExploration(p);
     out_ << '\n';
+}
+
+void Redacteur::parExploration(std::uint32_t p) {
+    if (montre_ && valeur(*montre_, p) == resolution_.borne(p)) {
+        entete(p, "on");
+        return;
+    }
+    montre_ = resolution_.couverture.temoin(p);
+    const std::vector<Pas> chemin = resolution_.couverture.chemin(*montre_);
+    accelerations(chemin);
+    entete(p, "by");
+    pas(chemin);
+}
+
+void Redacteur::parCourse(std::uint32_t p) {
+    const Tireur::Origine& o = resolution_.tireur.origine(p);
+    const bool sansFin = resolution_.borne(p) == OMEGA;
+    const std::size_t finale = sansFin ? pompe(o.pompe) : 0;
+    const bool meme = sansFin && pompee_ && suivie_ == o;
+    const bool suite = meme || (suivie_ && !pompee_ && suivie_->course == o.course && suivie_->blocs <= o.blocs);
+    entete(p, suite ? "on" : "by");
+    if (!meme) {
+        course(resolution_.tireur.course(o, suite ? suivie_->blocs : 0));
+        if (sansFin) out_ << " *" << finale;
+    }
+    suivie_ = o;
+    pompee_ = sansFin;
+}
+
+/// Begins the line of a bound.
+void Redacteur::entete(std::uint32_t p, const char* comment) {
+    out_ << "bound " << place(p) << ' ';
+    compte(resolution_.borne(p));
+    out_ << ' ' << comment;
 }
 
 void Redacteur::multiplicateurs(const Multiplicateurs& multiples) {
@@ -264,11 +313,9 @@ void Redacteur::rediger(bool verdictSeul) {
             arbre(*resolution_.ensemble);
         return;
     }
-    const auto places = static_cast<std::uint32_t>(partie_.places.size());
-    bool parEnsemble = false;
-    for (std::uint32_t p = 0; p < places; ++p) parEnsemble = parEnsemble || resolution_.parEnsemble(p);
-    if (parEnsemble) ensemble();
-    for (std::uint32_t p = 0; p < places; ++p) {
+    const std::vector<std::uint32_t> places = ordre();
+    if (std::ranges::any_of(places, [this](std::uint32_t p) { return resolution_.parEnsemble(p); })) ensemble();
+    for (const std::uint32_t p : places) {
         atteinte(p);
         if (resolution_.borne(p) == OMEGA) continue;
         if (resolution_.parEnsemble(p))

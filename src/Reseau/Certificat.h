@@ -31,6 +31,8 @@
 //         the cycle can be fired after the stem, takes nothing and adds something
 //     bound PLACE COUNT by RUN
 //         the run ends with that many tokens in the place, "w" for unbounded
+//     bound PLACE COUNT on RUN
+//         the run of the bound before, and then this one, end with that; nothing when that one does already
 //     total
 //         what follows bounds the sum of the part's places
 //     most by set, most by relaxed

@@ -358,10 +358,9 @@ bool Tireur::detour(bool deplacements) {
     return false;
 }
 
-Course Tireur::course(std::uint32_t place) const {
-    const Origine o = origines_[place];
-    const Course& entiere = courses_[o.course];
-    return {entiere.begin(), entiere.begin() + static_cast<std::ptrdiff_t>(o.blocs)};
+Course Tireur::course(const Origine& origine, std::size_t debut) const {
+    const auto entiere = courses_[origine.course].begin();
+    return {entiere + static_cast<std::ptrdiff_t>(debut), entiere + static_cast<std::ptrdiff_t>(origine.blocs)};
 }
 
 Course Tireur::cycle(const Pompe& pompe) const {

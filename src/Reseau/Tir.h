@@ -59,20 +59,24 @@ public:
     Course cycle(const Pompe& pompe) const;
     Course tige(const Pompe& pompe) const;
 
+    /// Where a run shows what a place can hold: after so many of its blocks, or with the pump there.
+    struct Origine {
+        std::size_t course;
+        std::size_t blocs;
+        std::size_t pompe = 0;
+        bool operator==(const Origine&) const = default;
+    };
+    const Origine& origine(std::uint32_t place) const { return origines_[place]; }
     /// A run that ends with minorants()[place] tokens in `place`, or with the pump that raises it.
-    Course course(std::uint32_t place) const;
+    Course course(std::uint32_t place) const { return course(origines_[place], 0); }
+    /// The blocks of that run from `debut` on.
+    Course course(const Origine& origine, std::size_t debut) const;
     /// The marking at the end of a run from the initial marking. It is worked out step by step, not taken from the
     /// search.
     /// @throws std::logic_error when the run cannot be fired, which would be a mistake of the search
     Creux arrivee(const Course& course) const;
 
 private:
-    struct Origine {
-        std::size_t course;
-        std::size_t blocs;
-        std::size_t pompe = 0;
-    };
-
     void noter(const Bloc& bloc);
     bool essayer(const std::vector<Compte>& comptes, std::uint64_t graine);
     bool depenser(std::uint64_t travail);

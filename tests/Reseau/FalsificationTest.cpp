@@ -453,7 +453,9 @@ std::optional<Lignes> fusionFausse(const Epreuve& e, Hasard& h) {
 /// A run that no longer ends with the count that it is to show.
 std::optional<Lignes> courseFausse(const Epreuve& e, Hasard& h) {
     std::vector<std::size_t> numeros = lignesDe(e.lignes, "bound");
-    std::erase_if(numeros, [&](std::size_t i) { return e.lignes[i][2] == "w" || !tirs(apres(e.lignes[i], 4)); });
+    std::erase_if(numeros, [&](std::size_t i) {
+        return e.lignes[i][2] == "w" || e.lignes[i][3] != "by" || !tirs(apres(e.lignes[i], 4));
+    });
     if (numeros.empty()) return std::nullopt;
     Lignes fausses = e.lignes;
     Mots& mots = fausses[unDe(numeros, h)];
@@ -466,13 +468,40 @@ std::optional<Lignes> courseFausse(const Epreuve& e, Hasard& h) {
     return fausses;
 }
 
-/// An unbounded place whose run does without the accelerations.
-std::optional<Lignes> sansAcceleration(const Epreuve& e, Hasard& h) {
-    std::vector<std::size_t> numeros = lignesDe(e.lignes, "bound");
-    std::erase_if(numeros, [&](std::size_t i) { return e.lignes[i][2] != "w"; });
+/// A run begins at the start that goes on from another one, or the other way round.
+std::optional<Lignes> suiteFausse(const Epreuve& e, Hasard& h) {
+    std::vector<std::size_t> numeros;
+    bool premiere = true;                   // of the part
+    std::optional<std::vector<Large>> fin;  // what the last run has added since the start
+    for (std::size_t i = 0; i < e.lignes.size(); ++i) {
+        const Mots& mots = e.lignes[i];
+        if (mots[0] == "part") premiere = true;
+        if (mots[0] != "bound") continue;
+        if (premiere || (mots[2] != "w" && fin && (*fin)[e.place(mots[1])] != 0)) numeros.push_back(i);
+        premiere = false;
+        auto somme = effet(e, apres(mots, 4));
+        if (mots[3] == "on" && !fin) somme.reset();
+        if (mots[3] == "on" && somme)
+            for (std::size_t p = 0; p < somme->size(); ++p) (*somme)[p] += (*fin)[p];
+        fin = somme;
+    }
     if (numeros.empty()) return std::nullopt;
     Lignes fausses = e.lignes;
-    std::erase_if(fausses[unDe(numeros, h)], [](const std::string& mot) { return mot[0] == '*'; });
+    std::string& mot = fausses[unDe(numeros, h)][3];
+    mot = mot == "by" ? "on" : "by";
+    return fausses;
+}
+
+/// An unbounded place whose run does without the accelerations.
+std::optional<Lignes> sansAcceleration(const Epreuve& e, Hasard& h) {
+    const auto acceleration = [](const std::string& mot) { return mot[0] == '*'; };
+    std::vector<std::size_t> numeros = lignesDe(e.lignes, "bound");
+    std::erase_if(numeros, [&](std::size_t i) {
+        return e.lignes[i][2] != "w" || std::ranges::none_of(e.lignes[i], acceleration);
+    });
+    if (numeros.empty()) return std::nullopt;
+    Lignes fausses = e.lignes;
+    std::erase_if(fausses[unDe(numeros, h)], acceleration);
     return fausses;
 }
 
@@ -615,6 +644,7 @@ const std::vector<std::pair<std::string, Faussaire>> FAUSSAIRES{
      }},
     {"a transition is buried alive", vivanteEnterree},
     {"a run ends elsewhere", courseFausse},
+    {"a run begins elsewhere", suiteFausse},
     {"a run does without its accelerations", sansAcceleration},
     {"a cycle does not cover itself", cycleFaux},
     {"an acceleration raises too much", accelerationFausse},

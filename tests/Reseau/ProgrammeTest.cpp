@@ -150,7 +150,7 @@ std::string vaste() {
 /// A net whose proof is a megabyte.
 std::string longue() {
     std::ostringstream net;
-    familles::ecrire(net, std::ranges::find(familles::toutes(), "buffers", &familles::Famille::nom)->net(400));
+    familles::ecrire(net, std::ranges::find(familles::toutes(), "token ring", &familles::Famille::nom)->net(120));
     return net.str();
 }
 

@@ -167,7 +167,8 @@ private:
     std::set<std::string> jeton_;
     std::map<std::string, Omega> omegas_;
     std::vector<Vecteur> ensemble_;
-    Vecteur maxima_;  // over the set
+    Vecteur maxima_;                      // over the set
+    std::optional<Vecteur> finDeCourse_;  // of the last bound of the part
     struct Contrainte {
         std::map<std::string, Entier> forme;  // by transition
         Entier constante = 0;
@@ -820,9 +821,10 @@ void Verification::verifierMajorant(const Mots& m, const Vecteur& visee, std::op
 void Verification::verifierBorne(const Mots& m) {
     const std::string& p = m.at(1);
     const Entier borne = nombre(m.at(2));
-    exiger(partie_.contains(p) && m.at(3) == "by", "\"bound PLACE COUNT by\" expected");
-    exiger(lire(suivre(Mots(m.begin() + 4, m.end()), initial_), p) == borne, "the run does not end with the bound of ",
-           p);
+    exiger(partie_.contains(p), "not of the part: ", p);
+    exiger(m.at(3) == "by" || (m.at(3) == "on" && finDeCourse_), "neither by a run nor on from one: ", p);
+    finDeCourse_ = suivre(Mots(m.begin() + 4, m.end()), m.at(3) == "by" ? initial_ : *finDeCourse_);
+    exiger(lire(*finDeCourse_, p) == borne, "the run does not end with the bound of ", p);
     if (borne < W) verifierMajorant(prochaine(), {{p, 1}}, borne);
     bornes_[p] = borne;
 }
@@ -842,6 +844,7 @@ void Verification::verifierPartie() {
     omegas_.clear();
     ensemble_.clear();
     maxima_.clear();
+    finDeCourse_.reset();
     verifierTirees();
     if (commence("token")) verifierJeton(prochaine());
     const bool sansBorneAvant = unePartieSansBorne_;
