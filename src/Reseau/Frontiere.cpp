@@ -9,13 +9,13 @@ namespace Reseau {
 
 namespace {
 
-constexpr std::uint64_t PREMIERE = 256;  // expansion of which there are probes
-constexpr std::uint64_t DERNIERE = 16384;
-constexpr std::uint64_t LONGUEUR = 64;  // of a probe, in expansions
+constexpr std::uint64_t PREMIERE = 256;    // expansion that may belong to a probe
+constexpr std::uint64_t DERNIERE = 16383;  // that may
+constexpr std::uint64_t LONGUEUR = 64;     // of a probe, in expansions
 
 /// Whether the expansion belongs to a probe: those in the second half between two powers of two do.
 bool dUneSonde(std::uint64_t explores) {
-    return explores >= PREMIERE && explores < DERNIERE && (explores & std::bit_floor(explores) / 2) != 0;
+    return explores >= PREMIERE && explores <= DERNIERE && (explores & std::bit_floor(explores) / 2) != 0;
 }
 
 }  // namespace
