@@ -104,7 +104,7 @@ class Desktop:
             GDK_BACKEND="x11", LC_ALL="C.UTF-8")
         # Of a sanitizer build: stacks through all libraries, so that tests/lsan.supp tells what leaks in them from what leaks
         # in the program.
-        stacks = ":fast_unwind_on_malloc=0:malloc_context_size=12"
+        stacks = ":fast_unwind_on_malloc=0:malloc_context_size=8"
         os.environ["ASAN_OPTIONS"] = os.environ.get("ASAN_OPTIONS", "") + stacks
         for other in ("AT_SPI_BUS_ADDRESS", "NO_AT_BRIDGE", "GTK_MODULES", "GTK_THEME", "WAYLAND_DISPLAY", "XAUTHORITY"):
             os.environ.pop(other, None)
