@@ -22,6 +22,12 @@ struct Debordement : std::overflow_error {
 /// Room for sums and products of counts that are compared, not kept.
 __extension__ using Large = __int128;
 
+/// Adds a * b. @return whether it fits
+inline bool accumuler(Large& somme, Large a, Large b) {
+    Large terme = 0;
+    return !__builtin_mul_overflow(a, b, &terme) && !__builtin_add_overflow(somme, terme, &somme);
+}
+
 /// a + b, where a may be OMEGA (then so is the sum) and b is finite.
 /// @throws Debordement when the sum of finite counts does not fit.
 inline Compte somme(Compte a, Compte b) {

@@ -30,8 +30,7 @@ Contrainte auMoins(Contrainte forme, Compte k) {
 }
 
 void ajouter(Large& somme, Large y, Large c) {
-    Large terme = 0;
-    if (__builtin_mul_overflow(y, c, &terme) || __builtin_add_overflow(somme, terme, &somme)) throw Abandon();
+    if (!accumuler(somme, y, c)) throw Abandon();
 }
 
 /// a / b for b > 0, rounded down.
