@@ -7,7 +7,6 @@ namespace Reseau {
 namespace {
 
 constexpr std::uint64_t TRAVAIL = 400'000;  // arcs followed for one place
-constexpr Compte PESANT = 1000;             // no token weighs more
 
 }  // namespace
 
@@ -19,12 +18,16 @@ Composantes::Composantes(const Net& net)
 
 std::optional<Creux> Composantes::chercher(std::uint32_t place, Compte borne, const std::vector<Compte>& vus,
                                            std::uint64_t& travail) {
+    toutes_ = false;
+    plusLourd_ = LEGER;
     return depuis({{place, 1}}, borne, vus, TRAVAIL, travail);
 }
 
-std::optional<Creux> Composantes::couvrir(const std::vector<Compte>& vus, std::uint64_t& travail) {
+std::optional<Creux> Composantes::couvrir(const std::vector<Compte>& vus, Compte plusLourd, std::uint64_t& travail) {
     Creux toutes;
     for (std::uint32_t p = 0; p < net_.places.size(); ++p) toutes.push_back({p, 1});
+    toutes_ = true;
+    plusLourd_ = plusLourd;
     return depuis(toutes, OMEGA - 1, vus, travail, travail);
 }
 
@@ -87,7 +90,8 @@ bool Composantes::propager(const std::vector<Compte>& vus) {
 }
 
 /// The places that `transition` takes from and that can come in, with the weights that make it add no more, those with
-/// the fewest tokens first. Where there is none, those that are in already and can weigh more.
+/// the fewest tokens first. Where there is none, those that are in already and can weigh more; where all are in, those
+/// with the fewest arcs first: what puts tokens into a place gains when they weigh more.
 std::vector<Poids> Composantes::candidates(std::uint32_t transition, const std::vector<Compte>& vus) {
     depenser(net_.transitions[transition].effet.size());
     std::vector<Poids> neuves;
@@ -95,10 +99,11 @@ std::vector<Poids> Composantes::candidates(std::uint32_t transition, const std::
     for (const Poids& e : net_.transitions[transition].effet) {
         if (e.compte > 0) continue;
         const Large poids = (gains_[transition] - 1) / -static_cast<Large>(e.compte) + 1;
-        if (poids + poids_[e.place] > PESANT) continue;
+        if (poids + poids_[e.place] > plusLourd_) continue;
         const Poids p{e.place, static_cast<Compte>(poids)};
         if (admissible(p, vus)) (poids_[e.place] == 0 ? neuves : anciennes).push_back(p);
     }
+    if (toutes_) std::ranges::stable_sort(anciennes, {}, [this](const Poids& p) { return arcs_[p.place].size(); });
     if (neuves.empty()) return anciennes;
     std::ranges::stable_sort(neuves, {}, [this](const Poids& p) { return net_.initial[p.place]; });
     return neuves;

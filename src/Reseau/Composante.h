@@ -20,6 +20,9 @@ namespace Reseau {
 
 class Composantes {
 public:
+    static constexpr Compte LEGER = 1000;              // a weight that most nets do with,
+    static constexpr Compte PESANT = Compte{1} << 40;  // and one whose sums stay within 128 bits
+
     /// @param net must outlive it
     explicit Composantes(const Net& net);
 
@@ -31,8 +34,9 @@ public:
                                   std::uint64_t& travail);
     /// Looks for weights for all places, each at least one, of which the sum never becomes more: one each and more
     /// where they must be. It may miss them.
+    /// @param plusLourd no weight is more
     /// @return as `chercher`
-    std::optional<Creux> couvrir(const std::vector<Compte>& vus, std::uint64_t& travail);
+    std::optional<Creux> couvrir(const std::vector<Compte>& vus, Compte plusLourd, std::uint64_t& travail);
 
 private:
     struct Arc {
@@ -69,6 +73,8 @@ private:
     std::uint32_t place_ = 0;
     Compte borne_ = 0;
     Large jetons_ = 0;
+    bool toutes_ = false;  // whether every place is in
+    Compte plusLourd_ = 0;
     std::uint64_t travail_ = 0;
 };
 

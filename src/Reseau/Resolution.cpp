@@ -186,32 +186,48 @@ void Resolution::regler(const Creux& composante, bool preuves) {
     }
 }
 
-/// Bounds all places together by a set of all, or else by several that cover them all.
+/// Bounds all places together by a set of all, or else by several that cover them all, or by one of heavy tokens.
 /// @return whether there are such sets
 bool Resolution::majorerEnsembleParComposantes() {
     const std::vector<Compte>& vus = couverture.maxima();
-    std::vector<Compte> poids(net_.places.size(), 0);
     std::uint64_t travail = COMPOSANTES;
+    std::uint64_t part = travail / 2;
+    std::vector<Creux> composantes;
+    if (auto toutes = composantes_.couvrir(vus, Composantes::LEGER, part)) {
+        composantes.push_back(std::move(*toutes));
+    } else if (composantes = couvrirParPlusieurs(vus, travail); composantes.empty()) {
+        part = COMPOSANTES / 2;
+        toutes = composantes_.couvrir(vus, Composantes::PESANT, part);
+        if (!toutes) return false;
+        composantes.push_back(std::move(*toutes));
+    }
+    std::vector<Compte> poids(net_.places.size(), 0);
     Cas cas;
     cas.facteur = 1;
-    const auto prendre = [&](const Creux& composante) {
+    for (const Creux& composante : composantes) {
         cas.total += poidsInitial(net_, composante);
         for (const Poids& q : composante) poids[q.place] += q.compte;
-    };
-    std::uint64_t part = travail / 2;
-    if (const auto toutes = composantes_.couvrir(vus, part)) prendre(*toutes);
-    for (std::uint32_t p = 0; p < poids.size(); ++p) {
-        if (poids[p] > 0) continue;
-        auto composante = composantes_.chercher(p, std::max<Compte>(vus[p], 1), vus, travail);  // the fewest choices
-        if (!composante) composante = composantes_.chercher(p, OMEGA - 1, vus, travail);
-        if (!composante) return false;
-        prendre(*composante);
     }
     for (std::uint32_t p = 0; p < poids.size(); ++p)
         if (poids[p] > 1) cas.multiplicateurs.emplace_back(p, poids[p] - 1);
     ensemble = Majoration{cas.total, {}, {}};
     ensemble->preuve.push_back(std::move(cas));
     return true;
+}
+
+/// @return sets that cover all places, or none when a place has none
+std::vector<Creux> Resolution::couvrirParPlusieurs(const std::vector<Compte>& vus, std::uint64_t& travail) {
+    std::vector<Creux> composantes;
+    std::vector<bool> couverte(vus.size(), false);
+    for (std::uint32_t p = 0; p < vus.size(); ++p) {
+        if (couverte[p]) continue;
+        auto composante = composantes_.chercher(p, std::max<Compte>(vus[p], 1), vus, travail);  // the fewest choices
+        if (!composante) composante = composantes_.chercher(p, OMEGA - 1, vus, travail);
+        if (!composante) return {};
+        for (const Poids& q : *composante) couverte[q.place] = true;
+        composantes.push_back(std::move(*composante));
+    }
+    return composantes;
 }
 
 /// The places of the control token that it has not been seen in: while there is a run to any of them, it is looked for;

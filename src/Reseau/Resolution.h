@@ -74,6 +74,7 @@ private:
     bool chercherComposante(std::uint32_t place, const std::vector<Compte>& vus, std::uint64_t& travail, bool preuves);
     void regler(const Creux& composante, bool preuves);
     bool majorerEnsembleParComposantes();
+    std::vector<Creux> couvrirParPlusieurs(const std::vector<Compte>& vus, std::uint64_t& travail);
     bool majorerParAbondance(std::uint64_t limite);
     bool majorer(unsigned effort);
     bool majorerParPhases(unsigned effort);

@@ -536,7 +536,7 @@ TEST(ComposantesTest, AllPlacesAreWeighedTogether) {
         "tr a permis -> lit\ntr b lit -> permis\ntr c permis*3 -> ecrit\ntr d ecrit -> permis*3\n";
     const auto couvrir = [](const std::string& texte, std::uint64_t travail) {
         const Reseau::Net net = lireLeNet(texte + "pl permis (3)\n");
-        return Reseau::Composantes(net).couvrir(net.initial, travail);
+        return Reseau::Composantes(net).couvrir(net.initial, Reseau::Composantes::LEGER, travail);
     };
     EXPECT_EQ(couvrir(permis, 1000), (Reseau::Creux{{0, 1}, {1, 1}, {2, 3}}));
     EXPECT_EQ(couvrir(permis + "tr e lit*2 -> perdu*7\n", 1000), (Reseau::Creux{{0, 4}, {1, 4}, {2, 12}, {3, 1}}));
@@ -565,6 +565,26 @@ TEST(ComposantesTest, ThreadsThatAreNeverMoreNeedNoChoices) {
     const Reseau::Rapport rapport = Reseau::analyser(net, {.verdictSeul = true, .fils = 1});
     EXPECT_TRUE(rapport.bornee);
     EXPECT_LE(rapport.explores, 8000U);
+}
+
+/// Each of thirty tasks posts the next one twice, so that a task weighs twice what the next one does. What takes a task
+/// takes it from an idle thread, too, to which every task comes back.
+TEST(ComposantesTest, TasksThatPostTasksWeighAsMuchAsAllThatComesOfThem) {
+    constexpr int TACHES = 30;
+    std::ostringstream texte;
+    texte << "pl libre (1)\npl tache0 (1)\n";
+    for (int i = 0; i < TACHES; ++i)
+        texte << "tr a" << i << " libre tache" << i << " -> debut" << i << "\ntr b" << i << " debut" << i << " -> fin"
+              << i << " tache" << i + 1 << "\ntr c" << i << " fin" << i << " -> libre tache" << i + 1 << '\n';
+    const Reseau::Net net = lireLeNet(texte.str());
+    std::uint64_t travail = 100000;
+    EXPECT_FALSE(Reseau::Composantes(net).couvrir(net.initial, Reseau::Composantes::LEGER, travail));
+    travail = 100000;
+    const auto poids = Reseau::Composantes(net).couvrir(net.initial, Reseau::Composantes::PESANT, travail);
+    ASSERT_TRUE(poids);
+    EXPECT_EQ(poids->size(), net.places.size());
+    const auto premiere = std::ranges::find(net.places, "tache0") - net.places.begin();
+    EXPECT_EQ((*poids)[static_cast<std::size_t>(premiere)].compte, Compte{1} << TACHES);
 }
 
 /// Of nets of thousands of places, the exploration sees a corner; the rest is walked to and settled by sets.
