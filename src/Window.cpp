@@ -34,6 +34,7 @@ extern "C" {
 namespace {
 
 constexpr auto programName = "KLV editor";
+constexpr int messageWidth = 240;  // pixels, at least: a short answer alone leaves no room for the dialog's title
 
 /// The toolkit takes them once for the whole program, however many windows there are.
 void addIcons() {
@@ -178,6 +179,7 @@ void Window::error(const std::string& text) {
 void Window::info(const std::string& title, const std::string& text) {
     Gtk::MessageDialog dialog(*_pWindow, title, true, Gtk::MESSAGE_INFO, Gtk::BUTTONS_OK);
     dialog.set_title("Information");
+    dialog.set_size_request(messageWidth, -1);
     if (!text.empty()) dialog.set_secondary_text(text, true);
     dialog.run();
 }

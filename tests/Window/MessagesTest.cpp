@@ -93,6 +93,16 @@ TEST_F(Messages, AnInformationWithAnEmptySecondTextShowsThePrimaryTextAlone) {
     EXPECT_EQ(message.secondary, "");
 }
 
+TEST_F(Messages, AShortInformationLeavesRoomForItsTitle) {
+    int width = 0;
+    const Dialogs dialogs({[&](Gtk::Dialog& dialog) {
+        width = dialog.get_allocated_width();
+        return closeWindow(dialog);
+    }});
+    window.info("()", "");
+    EXPECT_GE(width, 240);
+}
+
 TEST_F(Messages, BothTextsOfAnInformationAreMarkup) {
     const Dialogs dialogs({reading(accept())});
     window.info("<b>a</b> &lt; b", "c &amp; <i>d</i>");
