@@ -130,6 +130,17 @@ TEST_F(SelectMode, TheNodeIsNotDraggedWhileTheReleaseOfADoubleClickIsLostToTheDi
     EXPECT_EQ(content().nodes.at("A"), plainNode(100, 100));
 }
 
+TEST_F(SelectMode, TheNodeIsLetGoBeforeItsMarkingIsAskedFor) {
+    node("A", 100, 100);
+    mouse->moveTo(100, 100);
+    const Dialogs dialogs({[this](Gtk::Dialog& dialog) {
+        sendMotion(*area, 300, 300);  // past the dialog's grab
+        return cancel()(dialog);
+    }});
+    mouse->doubleClickAt(100, 100);
+    EXPECT_EQ(content().nodes.at("A"), plainNode(100, 100));
+}
+
 TEST_F(SelectMode, DoubleClickingWhereTwoNodesOverlapOpensTheMarkingOfEachInTheDrawingsOrder) {
     node("first", 100, 100);
     node("second", 110, 100);
@@ -174,6 +185,14 @@ TEST_F(SelectMode, TheSecondPressOfADoubleClickOnAnArcAddsNoDialog) {
     mouse->moveTo(200, 100);
     mouse->send(GDK_2BUTTON_PRESS, 1);
     EXPECT_EQ(rule(), noRule);
+}
+
+TEST_F(SelectMode, TheThirdPressOfATripleClickOnAnArcOpensItsRule) {
+    arc(node("A", 100, 100), node("B", 300, 100));
+    const Dialogs dialogs({enter("x -> y")});
+    mouse->moveTo(200, 100);
+    mouse->send(GDK_3BUTTON_PRESS, 1);
+    EXPECT_EQ(rule(), Content::Rule({{"x", 1}}, {{"y", 1}}));
 }
 
 TEST_F(SelectMode, PressingAnArcDragsNothing) {
