@@ -153,4 +153,11 @@ TEST_F(Loading, AModelBuiltWithoutTheDrawingIsShownNodeByNodeAndArcByArc) {
     EXPECT_EQ(network.drawing->toString(), "a(-5, 6);\nb(0, 0);\n");
 }
 
+TEST_F(Loading, AnArcBuiltWithoutTheDrawingBringsItsSourceAndThenItsDestination) {
+    Network network;
+    Modele::Noeud* const destination = network.model->addNoeud("a");
+    network.controleur.chargeArc(network.model->addNoeud("b")->addArc(destination, nullptr));
+    EXPECT_EQ(network.drawing->toString(), "b(0, 0);\na(0, 0);\n");
+}
+
 }  // namespace
