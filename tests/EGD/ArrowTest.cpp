@@ -551,6 +551,29 @@ TEST(LabelOfALoop, StandsBetweenTheControlPointsReadingAcross) {
     EXPECT_TRUE(looksAlmostLike(Picture::ofDrawing(area, arrow, 300, 300), expected));
 }
 
+TEST(Label, IsCentredOnItsLineAgainOnceACurveIsStraight) {
+    auto elsewhere = disc({150, 280});
+    ArrowsBothWays scene(centre - Point{100, 0}, centre + Point{100, 0});
+    scene.arrow.setLabel("a -> b ");
+    scene.picture();
+    scene.back.setEnd(&elsewhere);
+    const Picture expected = withTextAt(scene, "a -> b ", centre + Point{0, -10}, 0, true);
+    scene.arrow.setLabel("a -> b ");
+    EXPECT_TRUE(looksAlmostLike(scene.picture(), expected));
+}
+
+TEST(Label, HangsFromALoopAsItHungFromTheCurve) {
+    ArrowsBothWays scene(centre - Point{100, 0}, centre + Point{100, 0});
+    scene.arrow.setLabel("a -> 2b ");
+    scene.picture();
+    scene.arrow.setEnd(&scene.begin);
+    const double c = 0.707106781;
+    const Point top = centre - Point{100, 0} + turned({(c * 100 + 100) / 2, c * 100 / 2}, -112.5 * M_PI / 180);
+    const Picture expected = withTextAt(scene, "a -> 2b ", top, 0, false);
+    scene.arrow.setLabel("a -> 2b ");
+    EXPECT_TRUE(looksAlmostLike(scene.picture(), expected));
+}
+
 TEST(Label, IsOneTextThatChanges) {
     ArrowBetween scene({50, 100}, {250, 100});
     scene.arrow.setLabel("first");
