@@ -886,6 +886,22 @@ TEST(AreaTimer, AdvancesEveryDrawingByAStepEvery17Milliseconds) {
     EXPECT_GE(taken, std::chrono::milliseconds(10 * 17 - 10)) << "the clock of the loop counts in milliseconds";
 }
 
+TEST(AreaTimer, IsDueIn17MillisecondsAtTheDefaultPriority) {
+    TestArea area;
+    GSource* const last = g_idle_source_new();
+    const guint lastId = g_source_attach(last, nullptr);  // sources are numbered one after the other
+    g_source_destroy(last);
+    g_source_unref(last);
+    const gint64 before = g_get_monotonic_time();
+    area.play();
+    const gint64 after = g_get_monotonic_time();
+    GSource* const timer = g_main_context_find_source_by_id(nullptr, lastId + 1);
+    ASSERT_NE(timer, nullptr);
+    EXPECT_GE(g_source_get_ready_time(timer), before + 17000);
+    EXPECT_LE(g_source_get_ready_time(timer), after + 17000);
+    EXPECT_EQ(g_source_get_priority(timer), G_PRIORITY_DEFAULT);
+}
+
 TEST(AreaTimer, AdvancesTheDrawingsInTheirOrderAndAsOftenAsTheyStandThere) {
     TestArea area;
     Square first(0, 0, 10);
