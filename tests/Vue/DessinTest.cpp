@@ -325,6 +325,29 @@ TEST_F(Presses, ReachTheAreasOwnDrawingsFirst) {
     press(55, 50);
 }
 
+/// A circle that, pressed, has something looked for in another place.
+class Distraction : public EGD::Arc {
+public:
+    Distraction(double x, double y) : EGD::Arc(x, y, 30, 360, 0) { setColorIn(0, 0, 255, 255); }
+
+    void buttonPressed(GdkEventButton*) override { getArea()->setPick(0, 0); }
+};
+
+TEST_F(Presses, AreOfferedToNodesWhateverTheAreasOwnDrawingsLookFor) {
+    Distraction distraction(55, 50);
+    scene.area->add(&distraction);
+    EXPECT_THAT(press(55, 50), ElementsAre("low", "high", "controller"));
+}
+
+TEST_F(Presses, AreOfferedToArcsWhateverTheHandlersOfNodesLookFor) {
+    scene.node("over", 150, 150);
+    scene.dessin->signal_selectNoeud().connect([&](GdkEventButton*, Vue::Noeud*) {
+        EXPECT_THAT(scene.dessin->noeudUnderMouse(50, 150), ElementsAre(a));
+        return false;
+    });
+    EXPECT_THAT(press(150, 150), ElementsAre("over", "ab", "controller"));
+}
+
 TEST_F(Presses, HandOverTheirEvent) {
     auto event = buttonEvent(50, 50, GDK_2BUTTON_PRESS, 3);
     GdkEvent whole = {};
