@@ -45,7 +45,7 @@ constexpr const char* AIDE =
 
 struct Commande {
     Reseau::Options options;
-    std::string fichier;  // empty: standard input
+    std::optional<std::string> fichier;  // none: standard input
 };
 
 int echec(const std::string& message) {
@@ -91,12 +91,12 @@ int ecrireTout(const std::string& texte) {
 
 int analyser(const Commande& commande) {
     Reseau::Net net;
-    if (commande.fichier.empty()) {
-        net = Reseau::lire(std::cin, "<stdin>");
+    if (commande.fichier) {
+        std::ifstream fichier(*commande.fichier);
+        if (!fichier) return echec("cannot open " + *commande.fichier + ": " + std::strerror(errno));
+        net = Reseau::lire(fichier, *commande.fichier);
     } else {
-        std::ifstream fichier(commande.fichier);
-        if (!fichier) return echec("cannot open " + commande.fichier + ": " + std::strerror(errno));
-        net = Reseau::lire(fichier, commande.fichier);
+        net = Reseau::lire(std::cin, "<stdin>");
     }
     const Reseau::Rapport rapport = Reseau::analyser(net, commande.options);
     std::ostringstream texte;
@@ -120,8 +120,8 @@ Commande lireCommande(int argc, char** argv, std::optional<int>& statut) {
             commande.options.preuves = true;
         else if (mot.starts_with('-') && mot != "-C" && mot != "-g")
             statut = echec("unknown option " + mot + ", see --help");
-        else if (!mot.starts_with('-') && !commande.fichier.empty())
-            statut = echec("more than one file, " + commande.fichier + " and " + mot);
+        else if (!mot.starts_with('-') && commande.fichier)
+            statut = echec("more than one file, " + *commande.fichier + " and " + mot);
         else if (!mot.starts_with('-'))
             commande.fichier = mot;
     }

@@ -103,6 +103,11 @@ TEST(Programme, AFileArgumentIsReadInsteadOfStandardInput) {
     erreurSans(lancer("/", ""), "/: cannot be read");
 }
 
+TEST(Programme, AnEmptyFileNameIsAnErrorAndNotStandardInput) {
+    erreurSans(lancer("-C -a -g ''", EXEMPLE), "cannot open : No such file or directory");
+    erreurSans(lancer("'' entree", EXEMPLE), "more than one file,  and entree");
+}
+
 TEST(Programme, HelpAndVersionAnswerOnStandardOutput) {
     EXPECT_THAT(lancer("-h", "").sortie, StartsWith("usage: tina"));
     EXPECT_EQ(lancer("--help", "").sortie, lancer("-h", "").sortie);
