@@ -8,7 +8,7 @@ namespace Reseau {
 
 namespace {
 
-constexpr std::uint64_t PART = 8;                       // of the work that one search of a run may take
+constexpr std::uint64_t PART_DU_TRAVAIL = 8;            // of the work that one search of a run may take
 constexpr std::uint64_t PART_DES_PAIRES = 4;            // of the work that one search of an order may take
 constexpr std::uint64_t CASES_EN_MEMOIRE = 10'000'000;  // of the dictionaries of all open cases
 constexpr std::size_t COUPES = 40;                      // on the way to one case
@@ -24,7 +24,7 @@ Separation::Separation(const Equation& equation, Contradictions& contradictions,
       minorant_(question.minorant) {
     for (const std::uint32_t p : question.places) forme_.emplace_back(equation.marquage(p), 1);
     if (question.tireur != nullptr)
-        realisation_.emplace(equation, question.places, *question.tireur, question.travail / PART);
+        realisation_.emplace(equation, question.places, *question.tireur, question.travail / PART_DU_TRAVAIL);
 }
 
 void Separation::chercher() {
