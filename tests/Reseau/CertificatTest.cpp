@@ -38,7 +38,7 @@ void certifie(const std::string& net) {
 }
 
 #ifdef __SANITIZE_ADDRESS__
-constexpr int NETS = 300;
+constexpr int NETS = 100;
 #else
 constexpr int NETS = 2500;
 #endif

@@ -33,7 +33,7 @@ struct Bilan {
 
 constexpr int TOUS = 2000;  // nets of a slice
 #ifdef __SANITIZE_ADDRESS__
-constexpr int NETS = TOUS / 8;  // those that are analysed
+constexpr int NETS = TOUS / 20;  // those that are analysed
 #else
 constexpr int NETS = TOUS;
 #endif
