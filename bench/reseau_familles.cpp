@@ -276,6 +276,42 @@ Reseau::Net appels(int n) {
     return c.finir();
 }
 
+/// n processes that pass messages on through 2 n channels without bound. Each message carries one of 3 n colours, which
+/// says where it has been, and who passes it on changes the colour in a way of its own; some processes send of
+/// themselves.
+Reseau::Net messages(int n) {
+    constexpr int ETATS = 10;
+    constexpr int GESTES = 40;  // of a process
+    Hasard h(static_cast<std::uint64_t>(n));
+    Chantier c;
+    const int canaux = 2 * n;
+    const int couleurs = 3 * n;
+    const auto message = [](int canal, int couleur) { return nom("canal", canal) + nom("couleur", couleur); };
+    for (int p = 0; p < n; ++p) {
+        const auto etat = [&](int i) { return nom("p", p) + nom("e", i); };
+        std::vector<int> teinture;
+        for (int d = 0; d < couleurs; ++d) teinture.push_back(tirer(h, couleurs));
+        for (int geste = 0; geste < GESTES; ++geste) {
+            const std::string de = etat(geste == 0 ? 0 : tirer(h, ETATS));
+            const std::string vers = etat(tirer(h, ETATS));
+            const int genre = tirer(h, 10);
+            const int recu = tirer(h, canaux);
+            const int envoye = tirer(h, canaux);
+            if (genre == 0) {
+                c.tr(de, vers + " " + message(envoye, teinture[0]));
+            } else if (genre < 3) {
+                c.tr(de, vers);
+            } else {
+                for (int d = 0; d < couleurs; ++d)
+                    c.tr(de + " " + message(recu, d),
+                         vers + " " + message(envoye, teinture[static_cast<std::size_t>(d)]));
+            }
+        }
+        c.pl(etat(0), 1);
+    }
+    return c.finir();
+}
+
 /// n caches of one line each, modified, exclusive, shared or invalid; who reads or writes takes the bus and asks the
 /// others one after the other.
 Reseau::Net caches(int n) {
@@ -479,6 +515,7 @@ const std::vector<Famille>& toutes() {
         {"threads", programme, {10, 100, 1000}},
         {"threads, locals", programmeLocal, {10, 50, 250}},
         {"calls", appels, {100, 1000}},
+        {"messages", messages, {3, 10}},
         {"caches", caches, {2, 4, 8}},
         {"philosophers", philosophes, {2, 10, 1000}},
         {"token ring", jetonTournant, {2, 10, 1000}},

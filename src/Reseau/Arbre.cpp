@@ -23,6 +23,14 @@ std::uint32_t Arbre::ajouter(const Mot* m, std::uint32_t parent, std::uint32_t t
     return n;
 }
 
+std::uint32_t Arbre::doubler(std::uint32_t n) {
+    std::vector<Mot> m(champs_->mots());
+    lire(n, m.data());
+    const auto pompes = pompes_.find(n);
+    return ajouter(m.data(), noeuds_[n].parent, noeuds_[n].tir,
+                   pompes == pompes_.end() ? std::vector<std::uint32_t>() : pompes->second);
+}
+
 void Arbre::lacher(std::uint32_t n) {
     if (toutGarder_) return;
     while (n != AUCUN && --noeuds_[n].lien == 0) {

@@ -28,6 +28,9 @@ public:
     /// @param pompes the accelerations applied after the transition
     /// @throws std::bad_alloc
     std::uint32_t ajouter(const Mot* m, std::uint32_t parent, std::uint32_t tir, std::vector<std::uint32_t> pompes);
+    /// Adds a node that has come about as `n` has.
+    /// @throws std::bad_alloc
+    std::uint32_t doubler(std::uint32_t n);
     /// Says that `n` waits no longer: now it can have children.
     void ouvrir(std::uint32_t n) { noeuds_[n].lien = 1; }
     /// Says that `n` is needed for its children only.

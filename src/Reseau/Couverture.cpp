@@ -156,24 +156,65 @@ void Couverture::fermer(std::uint32_t noeud) {
     lignee_.elaguer(arbre_);
 }
 
-/// @return whether the successor is kept
-bool Couverture::successeur(std::uint32_t tir) {
+/// Makes the successor of `parent_` `courant_`, with every acceleration that is known.
+void Couverture::tirer(std::uint32_t tir, std::vector<std::uint32_t>& pompes) {
     courant_ = parent_;
     while (!franchissement_.tirer(tir, courant_.mots())) {
         elargir();
         courant_ = parent_;
     }
-    std::vector<std::uint32_t> pompes;
     const bool aucune = accelerations_.nombre() == 0;
     accelerations_.appliquer(courant_, net_.transitions[tir].effet, connues_, pompes);
     if (aucune && accelerations_.nombre() > 0) {
         tige_ = arbre_.chemin(noeud_);
         tige_.push_back({Pas::TIR, tir});
     }
+}
+
+/// @return whether the successor is kept
+bool Couverture::successeur(std::uint32_t tir) {
+    std::vector<std::uint32_t> pompes;
+    tirer(tir, pompes);
     if (connu()) return false;
     if (!incomparables_ && !epuise_ && accelerer(tir, pompes) && connu()) return false;
     garder(noeud_, tir, std::move(pompes));
     return true;
+}
+
+void Couverture::suivre(const Creux& depart, const std::vector<std::uint32_t>& tirs) {
+    parent_ = Marquage(*champs_);
+    for (const Poids& p : depart) parent_.poser(p.place, p.compte);
+    epuise_ = false;
+    noeud_ =
+        chemins_ ? arbre_.doubler(arbre_.chercher(parent_.mots())) : arbre_.ajouter(parent_.mots(), AUCUN, AUCUN, {});
+    arbre_.ouvrir(noeud_);
+    for (const std::uint32_t t : tirs) {
+        if (!franchissement_.permis(t, parent_.mots())) break;
+        if (!franchissement_.utile(t, parent_.mots())) continue;
+        try {
+            avancer(t);
+        } catch (const Debordement&) {
+            break;  // of a place that may be unbounded
+        }
+    }
+    courant_ = parent_;
+    if (!connu()) garder(noeud_, AUCUN, {});
+    fermer(noeud_);
+}
+
+/// Makes the successor `parent_` and `noeud_`, known or not.
+void Couverture::avancer(std::uint32_t tir) {
+    lignee_.suivre(arbre_, *champs_, noeud_);
+    connues_ = 0;
+    tirs_.assign(1, tir);
+    std::vector<std::uint32_t> pompes;
+    tirer(tir, pompes);
+    accelerer(tir, pompes);
+    const std::uint32_t suivant = arbre_.ajouter(courant_.mots(), noeud_, tir, std::move(pompes));
+    arbre_.ouvrir(suivant);
+    arbre_.lacher(noeud_);
+    noeud_ = suivant;
+    parent_ = courant_;
 }
 
 bool Couverture::connu() const {
@@ -212,6 +253,10 @@ void Couverture::garder(std::uint32_t parent, std::uint32_t tir, std::vector<std
 
     const Frontiere::Rang rang = compterLeCourant();
     nonBornee_ = nonBornee_ || rang.omegas > 0;
+    if (nonBornee_ && rangLePlusLarge_ < rang) {
+        rangLePlusLarge_ = rang;
+        plusLarge_ = champs_->creux(courant_.mots());
+    }
     if (epuise_ && !chemins_) {
         frontiere_.ajouterEpuise(*champs_, rang, courant_.mots());
         return;
@@ -279,6 +324,31 @@ Creux Couverture::temoin(std::uint32_t place) const {
         if (meilleur.empty() || champs().precede(m.data(), meilleur.data())) meilleur = m;
     });
     return champs().creux(meilleur.data());
+}
+
+std::vector<Creux> Couverture::plusLarges(const std::vector<std::uint32_t>& places) const {
+    using Etendue = std::pair<std::size_t, std::vector<Mot>>;
+    std::map<std::vector<Compte>, Etendue> parRestriction;
+    std::vector<Mot> m(champs().mots());
+    std::vector<Compte> restriction(places.size());
+    parcourir([&](const std::uint8_t* garde) {
+        champs().reprendre(garde, m.data());
+        for (std::size_t i = 0; i < places.size(); ++i) restriction[i] = champs().lire(m.data(), places[i]);
+        std::size_t omegas = 0;
+        champs().pourChaqueMarquee(m.data(), [&](std::uint32_t p) { omegas += champs().lire(m.data(), p) == OMEGA; });
+        if (omegas == 0) return;
+        Etendue& ici = parRestriction[restriction];
+        if (ici.first < omegas || (ici.first == omegas && champs().precede(m.data(), ici.second.data())))
+            ici = {omegas, m};
+    });
+    std::vector<Etendue> larges;
+    larges.reserve(parRestriction.size());
+    for (auto& [ou, large] : parRestriction) larges.push_back(std::move(large));
+    std::ranges::stable_sort(larges, std::greater(), &Etendue::first);
+    std::vector<Creux> resultat;
+    resultat.reserve(larges.size());
+    for (const Etendue& l : larges) resultat.push_back(champs().creux(l.second.data()));
+    return resultat;
 }
 
 std::vector<Pas> Couverture::chemin(const Creux& marquage) const {

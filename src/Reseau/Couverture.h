@@ -28,6 +28,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -73,6 +74,9 @@ public:
     /// @throws Debordement, std::bad_alloc
     bool explorer(std::uint64_t limite, bool arretOmega);
 
+    /// Goes from a marking of the tree by these transitions, as far as they can be fired, and keeps where that leads.
+    void suivre(const Creux& depart, const std::vector<std::uint32_t>& tirs);
+
     /// The marking that it starts from.
     const std::vector<Compte>& initial() const { return initial_; }
     /// Whether the coverability set is complete, so that the maxima are the bounds.
@@ -83,6 +87,11 @@ public:
     const std::vector<Compte>& maxima() const { return maxima_; }
     /// A maximal marking with the largest count of `place`; the same one whenever the set is complete.
     Creux temoin(std::uint32_t place) const;
+    /// Of all that has been kept the marking with the most omegas, then the most marked places, then the most tokens.
+    const Creux& plusLarge() const { return plusLarge_; }
+    /// Of the maximal markings that are the same in these places, and hold some omega, that with the most omegas each;
+    /// those with the most omegas first.
+    std::vector<Creux> plusLarges(const std::vector<std::uint32_t>& places) const;
     /// The run from the initial marking to a maximal one, when the tree is kept.
     std::vector<Pas> chemin(const Creux& marquage) const;
     const Accelerations& accelerations() const { return accelerations_; }
@@ -114,7 +123,9 @@ private:
     void developper();
     bool depassee();
     void fermer(std::uint32_t noeud);
+    void tirer(std::uint32_t tir, std::vector<std::uint32_t>& pompes);
     bool successeur(std::uint32_t tir);
+    void avancer(std::uint32_t tir);
     bool connu() const;
     Frontiere::Rang compterLeCourant();
     bool accelerer(std::uint32_t tir, std::vector<std::uint32_t>& pompes);
@@ -152,6 +163,8 @@ private:
     std::vector<Compte> maxima_;
     std::vector<Compte> buts_;
     std::uint32_t atteintes_ = 0;  // places, from the first one on, that have been seen with their aims
+    Frontiere::Rang rangLePlusLarge_;
+    Creux plusLarge_;
     std::vector<Pas> tige_;
     std::uint64_t explores_ = 0;
     bool nonBornee_ = false;

@@ -27,11 +27,16 @@ public:
     void guetter(const std::vector<std::uint64_t>& marquee);
 
     std::uint32_t nombre() const { return static_cast<std::uint32_t>(tirs_.size()); }
+    /// Whether `m` enables the transition.
+    bool permis(std::uint32_t t, const Mot* m) const {
+        for (std::uint32_t i = tirs_[t].besoins; i < tirs_[t].effets; ++i)
+            if (valeurEn(m, arcs_[i]) < arcs_[i].compte) return false;
+        return true;
+    }
     /// Whether `m` enables the transition, and firing it adds to a finite place; what comes of it otherwise is covered
     /// by `m`.
     bool utile(std::uint32_t t, const Mot* m) const {
-        for (std::uint32_t i = tirs_[t].besoins; i < tirs_[t].effets; ++i)
-            if (valeurEn(m, arcs_[i]) < arcs_[i].compte) return false;
+        if (!permis(t, m)) return false;
         for (std::uint32_t i = tirs_[t].effets; i < tirs_[t].fin; ++i)
             if (arcs_[i].compte > 0 && valeurEn(m, arcs_[i]) != arcs_[i].omega) return true;
         return false;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Reseau/Conservation.h"
+#include "Reseau/Prolongement.h"
 
 namespace Reseau {
 
@@ -23,6 +24,7 @@ constexpr unsigned CROISSANCE = 3;   // powers of two by which a turn of the exp
 constexpr std::uint64_t COMPOSANTES = 8'000'000;  // arcs followed in one turn
 constexpr std::uint64_t COMPOSANTE = 40'000;      // and for one place on a visit
 constexpr std::uint64_t VISITES = 25'000;         // arcs looked at for each place in the first turn
+constexpr std::size_t PROLONGEMENTS = 16;         // markings from which the way on is looked for in one turn
 constexpr std::uint64_t QUESTIONS = 8;  // that may use up all their effort before the exploration has its turn
 constexpr Large TOUT = static_cast<Large>(1) << 125;  // any finite bound is good enough
 
@@ -79,6 +81,7 @@ void Resolution::finir(const Options& options) {
             if (!options.verdictSeul && tour > 0 && majorerParPhases(tour + 1)) return;
             if (options.verdictSeul && !bornee()) return;
         }
+        if (!options.verdictSeul && prolonger(premier << tour)) return;
         if (couverture.explorer(premier << (CROISSANCE * (tour + 1)), options.verdictSeul)) return;
     }
     couverture.explorer(SANS_LIMITE, options.verdictSeul);
@@ -160,6 +163,35 @@ void Resolution::visiter(unsigned tour, bool preuves) {
         return !trouvee;
     };
     visites_.aller(vus, but, tireur, (VISITES * net_.places.size()) << tour);
+}
+
+/// Goes on from where most is unbounded; and then, for each part of what is left of the net without all that is known
+/// to be unbounded, from where most is unbounded of the markings that are the same in that part.
+/// @return as `majorer`
+bool Resolution::prolonger(std::uint64_t limite) {
+    if (!couverture.nonBornee()) return false;
+    while (prolongerDe(couverture.plusLarge(), limite)) {
+    }
+    std::size_t essais = 0;
+    for (const std::vector<std::uint32_t>& places : partiesSansOmegas(net_, couverture.maxima())) {
+        if (std::ranges::all_of(places, [this](std::uint32_t p) { return majorations[p] || reglee(p); })) continue;
+        for (const Creux& depart : couverture.plusLarges(places)) {
+            if (essais++ == PROLONGEMENTS) return viser();
+            prolongerDe(depart, limite);
+        }
+    }
+    return viser();
+}
+
+/// @return whether that shows more
+bool Resolution::prolongerDe(const Creux& depart, std::uint64_t limite) {
+    std::vector<Compte> vus(net_.places.size());
+    for (std::uint32_t p = 0; p < vus.size(); ++p) vus[p] = reglee(p) ? OMEGA : borne(p);
+    const Prolongements prolongements = Reseau::prolonger(net_, depart, vus, limite);
+    prolonges_ += prolongements.explores;
+    const std::vector<Compte> avant = couverture.maxima();
+    for (const std::vector<std::uint32_t>& tirs : prolongements.chemins) couverture.suivre(depart, tirs);
+    return couverture.maxima() != avant;
 }
 
 /// Looks for a set that settles a place.

@@ -7,7 +7,8 @@
 //   4. The state equation: an upper bound for each place that is left, with a proof, and runs fired in bulk that show
 //      how much of it can be reached. Where the two meet the place is settled, whatever the number of its tokens.
 //   5. The state equation of the net unfolded into two phases.
-//   6. A longer exploration, and 2 to 5 again with more patience for what is left; 4 and 5 a few times only.
+//   6. Of a net that is not bounded, ways on from where most is unbounded.
+//   7. A longer exploration, and 2 to 6 again with more patience for what is left; 4 and 5 a few times only.
 //
 // The exploration ends when every place that is left has reached its upper bound, or it is complete.
 #pragma once
@@ -48,7 +49,9 @@ public:
     /// Whether a run of `tireur` reaches the bound, rather than a marking of `couverture`.
     bool parCourse(std::uint32_t place) const;
     /// Markings expanded.
-    std::uint64_t explores() const { return couverture.explores() + (abondance ? abondance->explores() : 0); }
+    std::uint64_t explores() const {
+        return couverture.explores() + prolonges_ + (abondance ? abondance->explores() : 0);
+    }
     /// A marking that reaches the bound.
     Creux temoin(std::uint32_t place) const;
 
@@ -71,6 +74,8 @@ private:
     bool viser();
     void majorerParComposantes(bool preuves);
     void visiter(unsigned tour, bool preuves);
+    bool prolonger(std::uint64_t limite);
+    bool prolongerDe(const Creux& depart, std::uint64_t limite);
     bool chercherComposante(std::uint32_t place, const std::vector<Compte>& vus, std::uint64_t& travail, bool preuves);
     void regler(const Creux& composante, bool preuves);
     bool majorerEnsembleParComposantes();
@@ -88,6 +93,7 @@ private:
     Visites visites_;
     std::optional<Phases> phases_;
     bool fini_ = false;
+    std::uint64_t prolonges_ = 0;      // markings expanded to go on from others
     std::vector<unsigned> questions_;  // put to the state equation, by place
 };
 

@@ -27,6 +27,7 @@
 #include "Reseau/Franchissement.h"
 #include "Reseau/Lecture.h"
 #include "Reseau/Liasse.h"
+#include "Reseau/Prolongement.h"
 #include "Reseau/Reseau.h"
 #include "Reseau/Tir.h"
 #include "Reseau/Visite.h"
@@ -317,6 +318,84 @@ TEST(CouvertureTest, RoomIsMadeForTheSuccessorsOfAMarkingAtOnce) {
         const auto p = std::ranges::find(net.places, "p" + std::to_string(i)) - net.places.begin();
         ASSERT_EQ(couverture.maxima()[static_cast<std::size_t>(p)], 1000 + i) << i;
     }
+}
+
+std::set<std::string> ensemble(const Reseau::Couverture& couverture) {
+    std::set<std::string> resultat;
+    couverture.pourChaqueMaximal([&](const Reseau::Creux& m) {
+        std::string ligne;
+        for (const Reseau::Poids& p : m) ligne += std::to_string(p.place) + "*" + std::to_string(p.compte) + " ";
+        resultat.insert(ligne);
+    });
+    return resultat;
+}
+
+/// Wherever it is led, the set that it completes afterwards is the same one, and each maximal marking has its run.
+TEST(CouvertureTest, WaysThatItIsLedOnLeaveTheSetAsItIs) {
+    constexpr std::uint64_t ASSEZ = 2000;
+    Hasard h(21);
+    int menees = 0;
+    for (int i = 0; i < 10'000; ++i) {
+        std::istringstream texte((i % 2 == 0 ? essai::netAuHasard(h) : essai::netDeReseauAuHasard(h)).texte());
+        const Reseau::Net net = Reseau::lire(texte, "essai");
+        Reseau::Couverture seule(net, 1);
+        if (!seule.explorer(ASSEZ, false) || !seule.nonBornee()) continue;
+        Reseau::Couverture couverture(net, 1);
+        const bool chemins = tirer(h, 2) == 0;
+        if (chemins) couverture.garderLesChemins();
+        for (std::uint64_t limite = 1; !couverture.explorer(limite, false) && limite < ASSEZ; ++limite) {
+            if (!couverture.nonBornee()) continue;
+            std::vector<std::uint32_t> tirs;
+            for (int k = tirer(h, 8); k >= 0; --k)
+                tirs.push_back(static_cast<std::uint32_t>(tirer(h, static_cast<int>(net.transitions.size()))));
+            const Reseau::Creux depart = couverture.plusLarge();
+            couverture.suivre(depart, tirs);
+            ++menees;
+        }
+        ASSERT_TRUE(couverture.explorer(SANS_LIMITE, false));
+        ASSERT_EQ(ensemble(couverture), ensemble(seule)) << texte.str();
+        ASSERT_EQ(couverture.maxima(), seule.maxima());
+        if (chemins) couverture.pourChaqueMaximal([&](const Reseau::Creux& m) { (void)couverture.chemin(m); });
+    }
+    EXPECT_GT(menees, 1000);
+}
+
+/// Of the markings that are the same in `a` and `b`, that with the most omegas.
+TEST(CouvertureTest, TheWidestMarkingIsToldForEachLocation) {
+    std::istringstream texte("tr s a -> a m\ntr t a m -> b\ntr u a -> a n\npl a (1)\n");
+    const Reseau::Net net = Reseau::lire(texte, "essai");  // a, m, b, n
+    Reseau::Couverture couverture(net, 1);
+    ASSERT_TRUE(couverture.explorer(SANS_LIMITE, false));
+    const auto larges = couverture.plusLarges({0, 2});
+    ASSERT_EQ(larges.size(), 2U);
+    const auto omegas = [](std::uint32_t ou) { return Reseau::Creux{{ou, 1}, {1, OMEGA}, {3, OMEGA}}; };
+    Reseau::Creux enB{{1, OMEGA}, {2, 1}, {3, OMEGA}};
+    EXPECT_THAT(larges, testing::UnorderedElementsAre(omegas(0), enB));
+}
+
+/// Without the messages two threads are left that know nothing of each other; one of them can go round.
+TEST(ProlongementTest, AWayOnLeadsThroughWhatIsLeftOut) {
+    std::istringstream texte("tr t0 a0 m -> a1\ntr t1 a1 -> a0 q\ntr u b0 m -> b1 m\npl a0 (1)\npl b0 (1)\npl m\n");
+    const Reseau::Net net = Reseau::lire(texte, "essai");  // a0, m, a1, q, b0, b1
+    const auto parties = Reseau::partiesSansOmegas(net, {1, OMEGA, 1, 1, 1, 1});
+    EXPECT_THAT(parties, testing::UnorderedElementsAre(testing::UnorderedElementsAre(0, 2, 3),
+                                                       testing::UnorderedElementsAre(4, 5)));
+    const Reseau::Creux depart{{0, 1}, {1, OMEGA}, {4, 1}};
+    const auto ways = Reseau::prolonger(net, depart, {1, OMEGA, 1, 0, 1, 1}, 100);
+    EXPECT_THAT(ways.chemins, testing::ElementsAre(testing::ElementsAre(0, 1)));
+    EXPECT_GT(ways.explores, 0U);
+    EXPECT_TRUE(Reseau::prolonger(net, depart, {1, OMEGA, 1, OMEGA, 1, 1}, 100).chemins.empty());
+}
+
+/// Ten processes that pass messages on: 700 places, and no two processes have anything to do with each other but for
+/// messages of which there are as many as one likes.
+TEST(ProlongementTest, ProcessesBesideMessagesWithoutBoundAreAnsweredOneByOne) {
+    const Reseau::Net net = std::ranges::find(familles::toutes(), "messages", &familles::Famille::nom)->net(10);
+    const Reseau::Rapport rapport = Reseau::analyser(net, {});
+    EXPECT_FALSE(rapport.bornee);
+    EXPECT_LE(rapport.explores, 20'000U);
+    EXPECT_GE(std::ranges::count(rapport.bornes, OMEGA), 100);
+    for (const Compte c : rapport.bornes) ASSERT_TRUE(c <= 1 || c == OMEGA) << c;
 }
 
 TEST(FrontiereTest, ProbesFindWhatTheMostTokensLeadAwayFrom) {
