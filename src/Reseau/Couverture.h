@@ -13,7 +13,8 @@
 // closed under firing. A retired marking is never lost, since what retired it is kept; nothing else is ever
 // removed, no subtree is pruned. (Pruning subtrees of covered markings is the known unsound shortcut.) A
 // retired marking stays an ancestor of what waits in the frontier: forgetting it could delay an acceleration. Where
-// nothing is left to accelerate (Epuisement in Conservation.h), ancestors are neither compared nor kept.
+// nothing is left to accelerate (Epuisement in Conservation.h), ancestors are neither compared nor kept. Where it is
+// led on from outside (`suivre`), what it comes to is reachable or a limit as well, and waits like all the rest.
 //
 // Why it ends: an infinite branch would hold an infinite ascending sequence (Dickson), hence infinitely many
 // accelerations, each of which turns a place into omega. That holds as well when far ancestors are compared
