@@ -262,31 +262,63 @@ Antichaine::Coupe Antichaine::meilleureCoupe(std::uint32_t branche, Membres::ite
         membres.push_back(debut[static_cast<std::ptrdiff_t>(i)].data());
     const std::size_t nombre = membres.size();
     Coupe choix{FEUILLE, 0, nombre, {}};
-    std::vector<std::pair<Compte, std::size_t>> comptes(nombre);  // with the member's number, the largest first
+    std::vector<Compte> comptes(nombre);
+    std::vector<Compte> tries(nombre);
     std::vector<bool> touches(nombre, false);
     std::size_t nombreTouches = 0;
     champs_->pourChaqueDifference(jointure(branche), rencontre(branche), [&](std::uint32_t p) {
         if (choix.ecart <= nombre % 2) return;
-        for (std::size_t i = 0; i < nombre; ++i) comptes[i] = {champs_->lire(membres[i], p), i};
-        std::ranges::sort(comptes, std::greater());
-        std::size_t rares = 0;                      // the largest smaller part that has at least some threshold
-        for (std::size_t i = 1; i < nombre; ++i) {  // i members have at least the threshold
-            if (comptes[i].first == comptes[i - 1].first) continue;
-            const std::size_t ecart = i * 2 > nombre ? i * 2 - nombre : nombre - i * 2;
-            const bool divise = std::min(i, nombre - i) * MOINDRE >= nombre;
-            if (divise && ecart < choix.ecart) choix = {p, comptes[i - 1].first, ecart, {}};
-            if (i * MOINDRE < nombre) rares = i;
-        }
-        if (rares == 0 || 2 * nombreTouches >= nombre || choix.place != FEUILLE) return;
-        choix.ensemble.push_back({p, comptes[rares - 1].first});
-        for (std::size_t i = 0; i < rares; ++i) {
-            if (!touches[comptes[i].second]) ++nombreTouches;
-            touches[comptes[i].second] = true;
+        for (std::size_t i = 0; i < nombre; ++i) comptes[i] = tries[i] = champs_->lire(membres[i], p);
+        parLeMilieu(tries, p, choix);
+        if (2 * nombreTouches >= nombre || choix.place != FEUILLE) return;
+        const auto seuil = seuilRare(tries);
+        if (!seuil) return;
+        choix.ensemble.push_back({p, *seuil});
+        for (std::size_t i = 0; i < nombre; ++i) {
+            if (comptes[i] < *seuil || touches[i]) continue;
+            touches[i] = true;
+            ++nombreTouches;
         }
     });
     if (choix.place == FEUILLE && std::min(nombreTouches, nombre - nombreTouches) * MOINDRE >= nombre)
         choix.place = ENSEMBLE;
     return choix;
+}
+
+/// Splits members with these counts of `place` by one of the two thresholds that part them most evenly, if that is more
+/// even than `choix`.
+void Antichaine::parLeMilieu(std::vector<Compte>& comptes, std::uint32_t place, Coupe& choix) {
+    const std::size_t nombre = comptes.size();
+    const auto milieu = comptes.begin() + static_cast<std::ptrdiff_t>(nombre / 2);
+    std::ranges::nth_element(comptes, milieu, std::greater());
+    const Compte median = *milieu;
+    std::size_t plus = 0;
+    std::size_t autant = 0;
+    Compte auDessus = OMEGA;  // the least count above the median
+    for (const Compte c : comptes) {
+        if (c > median) {
+            ++plus;
+            auDessus = std::min(auDessus, c);
+        } else if (c == median) {
+            ++autant;
+        }
+    }
+    const auto proposer = [&](std::size_t reunis, Compte seuil) {  // so many members have at least the threshold
+        const std::size_t ecart = reunis * 2 > nombre ? reunis * 2 - nombre : nombre - reunis * 2;
+        const bool divise = std::min(reunis, nombre - reunis) * MOINDRE >= nombre;
+        if (divise && ecart < choix.ecart) choix = {place, seuil, ecart, {}};
+    };
+    proposer(plus, auDessus);
+    proposer(plus + autant, median);
+}
+
+/// The threshold that only few members reach, but as many of them as can be.
+std::optional<Compte> Antichaine::seuilRare(std::vector<Compte>& comptes) {
+    std::ranges::sort(comptes, std::greater());
+    std::optional<Compte> seuil;
+    for (std::size_t i = 1; i * MOINDRE < comptes.size(); ++i)
+        if (comptes[i] != comptes[i - 1]) seuil = comptes[i - 1];
+    return seuil;
 }
 
 /// The cuts stay what they are; only what is packed is packed anew.
@@ -305,7 +337,7 @@ void Antichaine::convertir(const Champs& champs) {
     });
     seuils_.refondre(champs.octets(), [&](const std::uint8_t* seuils, std::uint8_t* place) {
         champs_->reprendre(seuils, de.data());
-        Reseau::convertir(*champs_, de.data(), champs, vers.data());
+        std::ranges::fill(vers, Mot{0});
         for (std::uint32_t p = 0; p < champs_->places(); ++p)
             if (champs_->exige(de.data(), p)) champs.exiger(vers.data(), p, champs_->lire(de.data(), p));
         champs.ranger(vers.data(), place);

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <vector>
 
 #include "Reseau/Blocs.h"
@@ -95,6 +96,8 @@ private:
     std::uint32_t nouvelleFeuille();
     std::uint32_t nouveauxSeuils(const Creux& ensemble);
     Coupe meilleureCoupe(std::uint32_t branche, Membres::iterator debut, Membres::iterator fin) const;
+    static void parLeMilieu(std::vector<Compte>& comptes, std::uint32_t place, Coupe& choix);
+    static std::optional<Compte> seuilRare(std::vector<Compte>& comptes);
 
     const Champs* champs_;
     std::deque<Branche> branches_;

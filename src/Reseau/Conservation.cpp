@@ -54,8 +54,8 @@ bool conservatif(const Net& net) {
 
 bool Epuisement::chez(const Champs& champs, const Mot* m) {
     constexpr std::uint64_t CASES = 100'000;
-    constexpr std::uint64_t ASSEZ = 64;       // markings for the first time it is asked, then twice as many each time
-    constexpr std::uint64_t TRAVAIL = 2'000;  // entries rewritten for each marking
+    constexpr std::uint64_t ASSEZ = 512;      // markings for the first time it is asked, then twice as many each time
+    constexpr std::uint64_t TRAVAIL = 1'000;  // entries rewritten for each marking
     constexpr std::size_t ENSEMBLES = 1024;
     if (net_.places.size() * net_.transitions.size() > CASES) return false;
     omegas_.clear();

@@ -9,6 +9,8 @@ namespace Reseau {
 
 namespace {
 
+constexpr std::uint64_t PETIT = 1000;  // maximal markings; fewer take little memory in wide fields, too
+
 /// Every field has room for one token from the start.
 std::vector<Compte> premiersPlafonds(std::vector<Compte> initial) {
     for (Compte& c : initial) c = c == OMEGA ? 1 : std::max<Compte>(c, 1);
@@ -131,6 +133,7 @@ void Couverture::developper() {
     champs_->pourChaqueMarquee(parent_.mots(), [this](std::uint32_t p) { ++marquee_[p]; });
     if (std::has_single_bit(explores_)) franchissement_.guetter(marquee_);
     franchissement_.utiles(parent_.mots(), tirs_);
+    if (ample_ && antichaine_.taille() >= PETIT) elargir();
     for (const std::uint32_t t : tirs_) {
         // Its coverer stands in the frontier and is expanded in its place.
         if (depassee() || (successeur(t) && champs_->couvre(courant_.mots(), parent_.mots()))) break;
@@ -283,7 +286,8 @@ Frontiere::Rang Couverture::compterLeCourant() {
     return rang;
 }
 
-/// Makes room for the successors of `parent_`: for all at once, since everything that is kept is converted.
+/// Makes room for the successors of `parent_`: for all at once, since everything that is kept is converted; and while
+/// that is little, for twice the counts, so that it seldom happens again.
 void Couverture::elargir() {
     for (const std::uint32_t t : tirs_)
         for (const Poids& e : net_.transitions[t].effet) {
@@ -291,7 +295,12 @@ void Couverture::elargir() {
             if (e.compte > 0 && avant < OMEGA - e.compte)
                 plafonds_[e.place] = std::max(plafonds_[e.place], avant + e.compte);
         }
-    auto champs = std::make_unique<const Champs>(elargissement_.plafonds(plafonds_, antichaine_.taille()), true);
+    std::vector<Compte> besoins = plafonds_;
+    ample_ = antichaine_.taille() < PETIT;
+    if (ample_)
+        for (Compte& c : besoins) c = std::min(c, OMEGA / 2 - 1) * 2 + 1;
+    auto champs =
+        std::make_unique<const Champs>(elargissement_.plafonds(std::move(besoins), antichaine_.taille()), true);
     antichaine_.convertir(*champs);
     arbre_.convertir(*champs);
     lignee_.convertir(*champs_, *champs);

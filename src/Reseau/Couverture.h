@@ -143,6 +143,7 @@ private:
     unsigned fils_;
     std::vector<Compte> plafonds_;  // the largest finite counts that must fit, by place, at least 1
     Elargissement elargissement_;
+    bool ample_ = false;  // whether `champs_` has more room than is needed
     std::unique_ptr<const Champs> champs_;
     Franchissement franchissement_;
     Antichaine antichaine_;
