@@ -1,6 +1,7 @@
 #include "Reseau/Composante.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Reseau {
 
@@ -103,9 +104,10 @@ std::vector<Poids> Composantes::candidates(std::uint32_t transition, const std::
         const Poids p{e.place, static_cast<Compte>(poids)};
         if (admissible(p, vus)) (poids_[e.place] == 0 ? neuves : anciennes).push_back(p);
     }
-    if (toutes_) std::ranges::stable_sort(anciennes, {}, [this](const Poids& p) { return arcs_[p.place].size(); });
+    if (toutes_)
+        std::ranges::sort(anciennes, {}, [this](const Poids& p) { return std::pair(arcs_[p.place].size(), p.place); });
     if (neuves.empty()) return anciennes;
-    std::ranges::stable_sort(neuves, {}, [this](const Poids& p) { return net_.initial[p.place]; });
+    std::ranges::sort(neuves, {}, [this](const Poids& p) { return std::pair(net_.initial[p.place], p.place); });
     return neuves;
 }
 

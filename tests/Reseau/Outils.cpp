@@ -6,8 +6,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <set>
+#include <span>
 #include <sstream>
 #include <stdexcept>
 
@@ -127,9 +129,42 @@ Net netDeReseauAuHasard(Hasard& h) {
 
 namespace {
 
-bool couvre(const std::vector<int>& a, const std::vector<int>& b) {
-    return std::equal(a.begin(), a.end(), b.begin(), [](int x, int y) { return x >= y; });
+inline bool couvre(std::span<const int> a, std::span<const int> b) {
+    return std::equal(a.begin(), a.end(), b.begin(), std::greater_equal());
 }
+
+/// Markings none of which covers another one, one behind the other.
+class Minimaux {
+public:
+    explicit Minimaux(std::size_t places) : places_(places) {}
+
+    std::size_t taille() const { return comptes_.size() / places_; }
+    /// Adds a marking and drops those that cover it, unless it covers one itself.
+    /// @return whether it is added
+    bool ajouter(std::span<const int> m) {
+        const std::size_t nombre = taille();
+        for (std::size_t i = 0; i < nombre; ++i) {
+            if (!couvre(m, en(i))) continue;
+            if (i > 0) std::ranges::swap_ranges(en(i / 2), en(i));  // it is likely to be asked for again
+            return false;
+        }
+        std::size_t restent = 0;
+        for (std::size_t i = 0; i < nombre; ++i)
+            if (!couvre(en(i), m)) {
+                if (restent < i) std::ranges::copy(en(i), en(restent).begin());
+                ++restent;
+            }
+        comptes_.resize(restent * places_);
+        comptes_.insert(comptes_.end(), m.begin(), m.end());
+        return true;
+    }
+
+private:
+    std::span<int> en(std::size_t i) { return {&comptes_[i * places_], places_}; }
+
+    std::size_t places_;
+    std::vector<int> comptes_;
+};
 
 }  // namespace
 
@@ -156,20 +191,19 @@ std::optional<std::vector<int>> maximaParRecherche(const Net& net, std::size_t l
 }
 
 std::optional<bool> couvrable(const Net& net, const std::vector<int>& but, std::size_t limite) {
-    std::vector<std::vector<int>> base{but};  // minimal markings from which the goal can be reached
+    Minimaux base(but.size());  // from which the goal can be reached
+    base.ajouter(but);
     std::vector<std::vector<int>> aVoir{but};
+    std::vector<int> avant(but.size());
     while (!aVoir.empty()) {
         const std::vector<int> m = std::move(aVoir.back());
         aVoir.pop_back();
         if (couvre(net.initial, m)) return true;
         for (const Net::Transition& t : net.transitions) {
-            std::vector<int> avant = m;
             for (std::size_t p = 0; p < m.size(); ++p) avant[p] = t.pre[p] + std::max(0, m[p] - t.post[p]);
-            if (std::ranges::any_of(base, [&](const auto& b) { return couvre(avant, b); })) continue;
-            std::erase_if(base, [&](const auto& b) { return couvre(b, avant); });
-            base.push_back(avant);
-            aVoir.push_back(std::move(avant));
-            if (base.size() > limite) return std::nullopt;
+            if (!base.ajouter(avant)) continue;
+            aVoir.push_back(avant);
+            if (base.taille() > limite) return std::nullopt;
         }
     }
     return false;
