@@ -54,10 +54,12 @@ bool conservatif(const Net& net) {
 
 bool Epuisement::chez(const Champs& champs, const Mot* m) {
     constexpr std::uint64_t CASES = 100'000;
-    constexpr std::uint64_t ASSEZ = 512;      // markings for the first time it is asked, then twice as many each time
+    constexpr std::uint64_t ASSEZ = 64;       // markings for the first time it is asked, then twice as many each time;
+    constexpr std::uint64_t PART = 8;         // and of the program's entries so many for each marking
     constexpr std::uint64_t TRAVAIL = 1'000;  // entries rewritten for each marking
     constexpr std::size_t ENSEMBLES = 1024;
-    if (net_.places.size() * net_.transitions.size() > CASES) return false;
+    const std::uint64_t cases = net_.places.size() * net_.transitions.size();
+    if (cases > CASES) return false;
     omegas_.clear();
     champs.pourChaqueMarquee(m, [&](std::uint32_t p) {
         if (champs.lire(m, p) == OMEGA) omegas_.push_back(p);
@@ -69,7 +71,8 @@ bool Epuisement::chez(const Champs& champs, const Mot* m) {
         ici = reponses_.emplace(omegas_, Reponse()).first;
     }
     Reponse& reponse = ici->second;
-    if (!reponse.epuise && ++reponse.marquages >= ASSEZ && std::has_single_bit(reponse.marquages)) {
+    if (!reponse.epuise && ++reponse.marquages >= ASSEZ && reponse.marquages * PART >= cases &&
+        std::has_single_bit(reponse.marquages)) {
         std::vector<bool> finie(net_.places.size(), true);
         for (const std::uint32_t p : omegas_) finie[p] = false;
         reponse.epuise = ponderable(net_, finie, true, TRAVAIL * reponse.marquages);

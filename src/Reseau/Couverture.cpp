@@ -9,7 +9,7 @@ namespace Reseau {
 
 namespace {
 
-constexpr std::uint64_t PETIT = 1000;  // maximal markings; fewer take little memory in wide fields, too
+constexpr std::uint64_t PETIT = 500;  // maximal markings; fewer take little memory in wide fields, too
 
 /// Every field has room for one token from the start.
 std::vector<Compte> premiersPlafonds(std::vector<Compte> initial) {
