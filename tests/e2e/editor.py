@@ -534,7 +534,7 @@ class Editor:
         return path.read_text()
 
     def close(self):
-        """Closes the window that has the keyboard, through the window manager."""
+        """Closes the window that has the keyboard, through the window manager; it must have it, or the key is lost."""
         self.key("alt+F4")
 
     def wait_end(self):
@@ -581,7 +581,7 @@ class EditorTest(unittest.TestCase):
         """Whatever was done before, the window closes, and nothing went wrong that only standard error tells."""
         for editor in self._editors:
             if editor.process.poll() is None:
-                self.assertEqual(editor.dialogs(), [])
+                editor.wait_no_dialog()
                 editor.close()
                 self.assertEqual(editor.wait_end(), 0, "\n".join(editor.complaints))
                 self.assertEqual(editor.complaints, [])
