@@ -97,11 +97,16 @@ public:
             if (!atteint(a[i], b[i], mots_[i].gardes)) return false;
         return true;
     }
+    /// @param doute the word that is looked at first; that which showed it, when the answer is no
     /// @return a >= b, place by place, and a > b in some place that is finite in a
-    bool depasse(const Mot* a, const Mot* b) const {
+    bool depasse(const Mot* a, const Mot* b, std::size_t& doute) const {
+        if (!atteint(a[doute], b[doute], mots_[doute].gardes)) return false;
         Mot plus = 0;  // guards
         for (std::size_t i = 0; i < mots_.size(); ++i) {
-            if (!atteint(a[i], b[i], mots_[i].gardes)) return false;
+            if (!atteint(a[i], b[i], mots_[i].gardes)) {
+                doute = i;
+                return false;
+            }
             plus |= moindres(b[i], a[i], mots_[i].gardes) & ~(a[i] + mots_[i].uns);  // omega and one more is the guard
         }
         return plus != 0;

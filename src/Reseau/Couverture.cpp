@@ -229,12 +229,13 @@ bool Couverture::connu() const {
 /// @return whether it has changed
 bool Couverture::accelerer(std::uint32_t tir, std::vector<std::uint32_t>& pompes) {
     bool accelere = false;
+    std::size_t doute = 0;  // what one ancestor holds more of, the next one mostly does, too
     for (bool change = true; change;) {
         change = false;
         std::uint32_t pas = 0;
         for (std::uint32_t d = lignee_.profondeur() + 1; d > 0; ++pas) {
             d = pas < PROCHES ? d - 1 : (d - 1) / PROCHES * PROCHES;
-            if (!champs_->depasse(courant_.mots(), lignee_.mots(d))) continue;
+            if (!champs_->depasse(courant_.mots(), lignee_.mots(d), doute)) continue;
             std::vector<Pas> chemin;
             for (auto i = pompes.rbegin(); i != pompes.rend(); ++i) chemin.push_back({Pas::POMPE, *i});
             chemin.push_back({Pas::TIR, tir});

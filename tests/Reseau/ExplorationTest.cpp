@@ -115,7 +115,12 @@ TEST(ChampsTest, PackedMarkingsAreReadComparedJoinedAndConvertedAsTheirCountsAre
         ASSERT_EQ(champs.couvre(motsA.data(), emballer(champs, b).data()), couvre(a, b));
         bool plus = false;
         for (std::size_t p = 0; p < a.size(); ++p) plus = plus || (a[p] > b[p] && a[p] != OMEGA);
-        ASSERT_EQ(champs.depasse(motsA.data(), emballer(champs, b).data()), plus && couvre(a, b));
+        const Mots motsB = emballer(champs, b);
+        for (std::size_t doute = 0; doute < champs.mots(); ++doute) {
+            std::size_t montre = doute;
+            ASSERT_EQ(champs.depasse(motsA.data(), motsB.data(), montre), plus && couvre(a, b));
+            ASSERT_LT(montre, champs.mots());
+        }
         std::vector<std::uint32_t> marquees;
         champs.pourChaqueMarquee(motsA.data(), [&](std::uint32_t p) { marquees.push_back(p); });
         std::ranges::sort(marquees);
