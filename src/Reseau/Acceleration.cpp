@@ -7,6 +7,8 @@
 #include "Reseau/Acceleration.h"
 
 #include <algorithm>
+#include <optional>
+#include <span>
 #include <utility>
 
 #include "Reseau/Marquage.h"
@@ -40,11 +42,10 @@ bool rendentTout(const Creux& un, const Creux& autre) {
 }
 
 /// What a transition needs where it can be repeated.
-Creux besoins(const Transition& t) {
-    Creux resultat = t.pre;
+void besoins(const Transition& t, Creux& resultat) {
+    resultat = t.pre;
     for (Poids& p : resultat)
         if (valeur(t.effet, p.place) < 0) p.compte = OMEGA;
-    return resultat;
 }
 
 /// Whether `forte` does wherever it can be repeated what `faible` does, and can be wherever that one can.
@@ -59,59 +60,82 @@ Accelerations::Accelerations(const Net& net)
     : net_(net),
       demandes_(net.places.size(), 0),
       attentes_(net.places.size()),
-      candidats_(net.places.size()),
       parPompe_(net.places.size()),
       pre_(net.places.size(), 0),
       effet_(net.places.size(), 0),
       touchee_(net.places.size(), 0) {
     for (const Transition& tir : net.transitions)
         for (const Poids& p : tir.pre) ++demandes_[p.place];
-    for (std::uint32_t t = 0; t < net.transitions.size(); ++t) {
-        const Transition& tir = net.transitions[t];
-        if (std::ranges::none_of(tir.effet, [](const Poids& e) { return e.compte > 0; })) continue;
-        if (tir.pre.empty()) candidatsAEssayer_.push_back(t);
-        attendre(candidats_, t, besoins(tir));
-    }
     chercherLesPaires();
+    inscrireLesCandidats();
 }
 
 /// Looks for pairs among the transitions that take something and those that bring it back: where the fewest do.
 void Accelerations::chercherLesPaires() {
-    std::vector<std::vector<std::uint32_t>> producteurs(net_.places.size());
+    std::vector<Listes<std::uint32_t>::Entree> apports;
     for (std::uint32_t t = 0; t < net_.transitions.size(); ++t)
         for (const Poids& e : net_.transitions[t].effet)
-            if (e.compte > 0) producteurs[e.place].push_back(t);
+            if (e.compte > 0) apports.emplace_back(e.place, t);
+    const Listes<std::uint32_t> producteurs(net_.places.size(), apports);
     std::size_t reste = PAIRES;
     for (std::uint32_t t = 0; t < net_.transitions.size(); ++t) {
-        const std::vector<std::uint32_t>* rares = nullptr;
+        std::optional<std::span<const std::uint32_t>> rares;
         for (const Poids& e : net_.transitions[t].effet)
-            if (e.compte < 0 && (rares == nullptr || producteurs[e.place].size() < rares->size()))
-                rares = &producteurs[e.place];
-        if (rares == nullptr) continue;
+            if (e.compte < 0 && (!rares || producteurs[e.place].size() < rares->size())) rares = producteurs[e.place];
+        if (!rares) continue;
         if (rares->size() > reste) return;
         reste -= rares->size();
         for (const std::uint32_t u : *rares) {
             if (!rendentTout(net_.transitions[t].effet, net_.transitions[u].effet)) continue;
             if (paires_.size() == RETENUES) return;
             paires_.push_back(composer({{Pas::TIR, t}, {Pas::TIR, u}}));
-            const auto numero = static_cast<std::uint32_t>(net_.transitions.size() + paires_.size() - 1);
-            attendre(candidats_, numero, paires_.back().pre);
         }
     }
 }
 
-/// Has `numero` tried when one of `besoins` is met.
-void Accelerations::attendre(Attentes& attentes, std::uint32_t numero, const Creux& besoins) {
-    const auto demandes = [this](const Poids& besoin) { return demandes_[besoin.place]; };
-    Creux rares(std::min<std::size_t>(besoins.size(), 2));
-    std::ranges::partial_sort_copy(besoins, rares, {}, demandes, demandes);
-    for (const Poids& besoin : besoins)
-        attentes.de(besoin).push_back({numero, besoin == rares.front() ? rares.back() : rares.front()});
+/// Enters every transition that adds something, and the pairs, under what they need.
+void Accelerations::inscrireLesCandidats() {
+    std::vector<Listes<Attente>::Entree> parBesoin;
+    std::vector<Listes<Attente>::Entree> parOmega;
+    const auto inscrire = [&](const Poids& besoin, const Attente& attente) {
+        (besoin.compte == OMEGA ? parOmega : parBesoin).emplace_back(besoin.place, attente);
+    };
+    const auto tirs = static_cast<std::uint32_t>(net_.transitions.size());
+    Creux ici;
+    for (std::uint32_t t = 0; t < tirs; ++t) {
+        const Transition& tir = net_.transitions[t];
+        if (std::ranges::none_of(tir.effet, [](const Poids& e) { return e.compte > 0; })) continue;
+        if (tir.pre.empty()) candidatsAEssayer_.push_back(t);
+        besoins(tir, ici);
+        attendre(t, ici, inscrire);
+    }
+    for (std::uint32_t i = 0; i < paires_.size(); ++i) attendre(tirs + i, paires_[i].pre, inscrire);
+    candidatsParBesoin_ = {net_.places.size(), parBesoin};
+    candidatsParOmega_ = {net_.places.size(), parOmega};
+    appris_.resize(tirs + paires_.size(), false);
 }
 
-void Accelerations::oublier(Attentes& attentes, std::uint32_t numero, const Creux& besoins) {
-    for (const Poids& besoin : besoins)
-        std::erase_if(attentes.de(besoin), [numero](const Attente& a) { return a.numero == numero; });
+/// Has `numero` tried when one of `besoins` is met, unless the rarest other one is not: calls inscrire(need, what waits
+/// for it) for each.
+template <class F>
+void Accelerations::attendre(std::uint32_t numero, const Creux& besoins, F&& inscrire) const {
+    if (besoins.empty()) return;
+    const auto [rare, suivant] = plusRares(besoins);
+    for (const Poids& besoin : besoins) inscrire(besoin, Attente{numero, besoin == rare ? suivant : rare});
+}
+
+/// The needs of places that the fewest transitions need; the same one twice when there is only one.
+std::pair<Poids, Poids> Accelerations::plusRares(const Creux& besoins) const {
+    const auto plusRare = [this](const Poids& a, const Poids& b) { return demandes_[a.place] < demandes_[b.place]; };
+    const Poids* rare = &besoins.front();
+    const Poids* suivant = nullptr;
+    for (const Poids& b : std::span(besoins).subspan(1)) {
+        if (plusRare(b, *rare))
+            suivant = std::exchange(rare, &b);
+        else if (suivant == nullptr || plusRare(b, *suivant))
+            suivant = &b;
+    }
+    return {*rare, suivant == nullptr ? *rare : *suivant};
 }
 
 void Accelerations::toucher(std::uint32_t place) {
@@ -150,12 +174,8 @@ std::uint32_t Accelerations::apprendre(std::vector<Pas> pas) { return inscrire(c
 
 /// Learns a candidate.
 std::uint32_t Accelerations::apprendre(std::uint32_t candidat) {
-    if (candidat >= net_.transitions.size()) {
-        Acceleration& paire = paires_[candidat - net_.transitions.size()];
-        oublier(candidats_, candidat, paire.pre);
-        return inscrire(std::move(paire));
-    }
-    oublier(candidats_, candidat, besoins(net_.transitions[candidat]));
+    appris_[candidat] = true;
+    if (candidat >= net_.transitions.size()) return inscrire(std::move(paires_[candidat - net_.transitions.size()]));
     return apprendre(std::vector<Pas>{{Pas::TIR, candidat}});
 }
 
@@ -183,11 +203,12 @@ std::uint32_t Accelerations::inscrire(Acceleration a) {
     if (subsumee(neuve)) return numero;
     for (const std::uint32_t i : subsumees(neuve)) {
         actives_.erase(std::ranges::lower_bound(actives_, i));
-        oublier(attentes_, i, liste_[i].pre);
+        attentes_.oublier(i, liste_[i].pre);
         for (const std::uint32_t p : liste_[i].pompes) std::erase(parPompe_[p], i);
     }
     actives_.push_back(numero);
-    attendre(attentes_, numero, neuve.pre);
+    attendre(numero, neuve.pre,
+             [this](const Poids& besoin, const Attente& attente) { attentes_.de(besoin).push_back(attente); });
     for (const std::uint32_t p : neuve.pompes) parPompe_[p].push_back(numero);
     return numero;
 }
@@ -294,15 +315,20 @@ void Accelerations::propager(Marquage& m, std::vector<std::uint32_t>& appliquees
 
 /// Puts what may have become possible because `place` has gained on what is to be tried.
 void Accelerations::essayer(std::uint32_t place, const Marquage& m) {
-    const auto joindre = [&m](std::vector<std::uint32_t>& liste, const std::vector<Attente>& attentes) {
+    const auto possible = [&m](const Attente& a) { return m[a.autre.place] >= a.autre.compte; };
+    const auto joindre = [&](const std::vector<Attente>& attentes) {
         for (const Attente& a : attentes)
-            if (m[a.autre.place] >= a.autre.compte) liste.push_back(a.numero);
+            if (possible(a)) aEssayer_.push_back(a.numero);
     };
-    joindre(aEssayer_, attentes_.parBesoin[place]);
-    joindre(candidatsAEssayer_, candidats_.parBesoin[place]);
+    const auto joindreCandidats = [&](std::span<const Attente> attentes) {
+        for (const Attente& a : attentes)
+            if (!appris_[a.numero] && possible(a)) candidatsAEssayer_.push_back(a.numero);
+    };
+    joindre(attentes_.parBesoin[place]);
+    joindreCandidats(candidatsParBesoin_[place]);
     if (m[place] != OMEGA) return;
-    joindre(aEssayer_, attentes_.parOmega[place]);
-    joindre(candidatsAEssayer_, candidats_.parOmega[place]);
+    joindre(attentes_.parOmega[place]);
+    joindreCandidats(candidatsParOmega_[place]);
 }
 
 /// Raises what an acceleration pumps.

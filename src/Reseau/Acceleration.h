@@ -11,9 +11,12 @@
 // that together take nothing away. That needs no search, and they are learnt the first time that they can be repeated.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
+#include "Reseau/Listes.h"
 #include "Reseau/Net.h"
 
 namespace Reseau {
@@ -74,6 +77,10 @@ private:
         std::vector<Attente>& de(const Poids& besoin) {
             return (besoin.compte == OMEGA ? parOmega : parBesoin)[besoin.place];
         }
+        void oublier(std::uint32_t numero, const Creux& besoins) {
+            for (const Poids& besoin : besoins)
+                std::erase_if(de(besoin), [numero](const Attente& a) { return a.numero == numero; });
+        }
         std::size_t nombre(std::uint32_t place) const { return parBesoin[place].size() + parOmega[place].size(); }
     };
 
@@ -83,8 +90,9 @@ private:
         bool oui = false;
     };
 
-    void attendre(Attentes& attentes, std::uint32_t numero, const Creux& besoins);
-    static void oublier(Attentes& attentes, std::uint32_t numero, const Creux& besoins);
+    std::pair<Poids, Poids> plusRares(const Creux& besoins) const;
+    template <class F>
+    void attendre(std::uint32_t numero, const Creux& besoins, F&& inscrire) const;
     void propager(Marquage& m, std::vector<std::uint32_t>& appliquees);
     void essayer(std::uint32_t place, const Marquage& m);
     void pomper(std::uint32_t numero, Marquage& m, std::vector<std::uint32_t>& appliquees);
@@ -97,6 +105,7 @@ private:
     bool repetable(std::uint32_t candidat, const Marquage& m) const;
     std::uint32_t apprendre(std::uint32_t candidat);
     void chercherLesPaires();
+    void inscrireLesCandidats();
     Acceleration composer(std::vector<Pas> pas);
     std::uint32_t inscrire(Acceleration a);
     bool subsumee(const Acceleration& a) const;
@@ -112,7 +121,10 @@ private:
     std::vector<Acceleration> paires_;     // of transitions
     std::vector<std::uint32_t> demandes_;  // by place, how many transitions need it
     Attentes attentes_;                    // of the active ones
-    Attentes candidats_;  // of those that are not learnt: the transitions, and numbered after them the pairs
+    // Of the candidates: the transitions, and numbered after them the pairs.
+    Listes<Attente> candidatsParBesoin_;
+    Listes<Attente> candidatsParOmega_;
+    std::vector<bool> appris_;                          // by candidate
     std::vector<std::vector<std::uint32_t>> parPompe_;  // by place, the active ones that raise it
     const Marquage* parent_ = nullptr;
     std::uint64_t parents_ = 0;                  // so far

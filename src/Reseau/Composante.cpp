@@ -11,10 +11,11 @@ constexpr std::uint64_t TRAVAIL = 400'000;  // arcs followed for one place
 
 }  // namespace
 
-Composantes::Composantes(const Net& net)
-    : net_(net), arcs_(net.places.size()), poids_(net.places.size(), 0), gains_(net.transitions.size(), 0) {
+Composantes::Composantes(const Net& net) : net_(net), poids_(net.places.size(), 0), gains_(net.transitions.size(), 0) {
+    std::vector<Listes<Arc>::Entree> arcs;
     for (std::uint32_t t = 0; t < net.transitions.size(); ++t)
-        for (const Poids& e : net.transitions[t].effet) arcs_[e.place].push_back({t, e.compte});
+        for (const Poids& e : net.transitions[t].effet) arcs.push_back({e.place, {t, e.compte}});
+    arcs_ = {net.places.size(), arcs};
 }
 
 std::optional<Creux> Composantes::chercher(std::uint32_t place, Compte borne, const std::vector<Compte>& vus,

@@ -14,6 +14,7 @@
 #include <optional>
 #include <vector>
 
+#include "Reseau/Listes.h"
 #include "Reseau/Net.h"
 
 namespace Reseau {
@@ -63,7 +64,7 @@ private:
     void revenir(std::size_t taille);
 
     const Net& net_;
-    std::vector<std::vector<Arc>> arcs_;  // by place
+    Listes<Arc> arcs_;  // by place
     // The set under way; empty between calls.
     std::vector<Poids> ajouts_;             // weights, in the order in which they came in
     std::vector<Compte> poids_;             // by place

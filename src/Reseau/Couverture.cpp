@@ -9,7 +9,8 @@ namespace Reseau {
 
 namespace {
 
-constexpr std::uint64_t PETIT = 500;  // maximal markings; fewer take little memory in wide fields, too
+constexpr std::uint64_t QUELQUES = 16;  // expanded markings, before which none of them tells what is seldom marked
+constexpr std::uint64_t PETIT = 500;    // maximal markings; fewer take little memory in wide fields, too
 
 /// Every field has room for one token from the start.
 std::vector<Compte> premiersPlafonds(std::vector<Compte> initial) {
@@ -131,7 +132,7 @@ void Couverture::developper() {
     connues_ = accelerations_.nombre();
     accelerations_.partirDe(parent_);
     champs_->pourChaqueMarquee(parent_.mots(), [this](std::uint32_t p) { ++marquee_[p]; });
-    if (std::has_single_bit(explores_)) franchissement_.guetter(marquee_);
+    if (explores_ >= QUELQUES && std::has_single_bit(explores_)) franchissement_.guetter(marquee_);
     franchissement_.utiles(parent_.mots(), tirs_);
     if (ample_ && antichaine_.taille() >= PETIT) elargir();
     for (const std::uint32_t t : tirs_) {

@@ -4,7 +4,7 @@
 
 namespace Reseau {
 
-Franchissement::Franchissement(const Net& net, const Champs& champs) : net_(net), guets_(net.places.size()) {
+Franchissement::Franchissement(const Net& net, const Champs& champs) : net_(net) {
     std::vector<std::uint64_t> demandes(net.places.size(), 0);
     for (const Transition& t : net.transitions)
         for (const Poids& p : t.pre) ++demandes[p.place];
@@ -13,13 +13,18 @@ Franchissement::Franchissement(const Net& net, const Champs& champs) : net_(net)
 }
 
 void Franchissement::guetter(const std::vector<std::uint64_t>& marquee) {
-    for (std::vector<std::uint32_t>& guet : guets_) guet.clear();
+    std::vector<Listes<std::uint32_t>::Entree> guets;
+    guets.reserve(net_.transitions.size());
     toujours_.clear();
     for (std::uint32_t t = 0; t < net_.transitions.size(); ++t) {
         const Creux& pre = net_.transitions[t].pre;
         const auto rare = std::ranges::min_element(pre, {}, [&](const Poids& p) { return marquee[p.place]; });
-        (rare == pre.end() ? toujours_ : guets_[rare->place]).push_back(t);
+        if (rare == pre.end())
+            toujours_.push_back(t);
+        else
+            guets.emplace_back(rare->place, t);
     }
+    guets_ = {net_.places.size(), guets};
 }
 
 void Franchissement::utiles(const Mot* m, std::vector<std::uint32_t>& tirs) const {

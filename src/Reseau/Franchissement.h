@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "Reseau/Champs.h"
+#include "Reseau/Listes.h"
 #include "Reseau/Net.h"
 
 namespace Reseau {
@@ -79,8 +80,8 @@ private:
 
     const Net& net_;
     const Champs* champs_ = nullptr;
-    std::vector<std::vector<std::uint32_t>> guets_;  // transitions, by the place where they watch
-    std::vector<std::uint32_t> toujours_;            // those that need nothing
+    Listes<std::uint32_t> guets_;          // transitions, by the place where they watch
+    std::vector<std::uint32_t> toujours_;  // those that need nothing
     std::vector<Tir> tirs_;
     std::vector<Arc> arcs_;
 };

@@ -67,7 +67,9 @@ void Resolution::finir(const Options& options) {
     const std::uint64_t premier = std::max(options.essai, MINIMUM);
     const bool presqueFinie = couverture.enAttente() * PEU <= couverture.explores();
     if (presqueFinie && couverture.explorer(premier * SURSIS, options.verdictSeul)) return;
+    composantes_.emplace(net_);
     if (options.verdictSeul && !couverture.nonBornee() && majorerEnsembleParComposantes()) return;
+    visites_.emplace(net_);
     if (Majorants::possible(net_)) majorants.emplace(net_);
     if (!options.verdictSeul) abondance.emplace(net_);
     for (unsigned tour = 0; tour < TOURS; ++tour) {
@@ -162,7 +164,7 @@ void Resolution::visiter(unsigned tour, bool preuves) {
         travail += part;
         return !trouvee;
     };
-    visites_.aller(vus, but, tireur, (VISITES * net_.places.size()) << tour);
+    visites_->aller(vus, but, tireur, (VISITES * net_.places.size()) << tour);
 }
 
 /// Goes on from where most is unbounded; and then, for each part of what is left of the net without all that is known
@@ -197,7 +199,7 @@ bool Resolution::prolongerDe(const Creux& depart, std::uint64_t limite) {
 /// Looks for a set that settles a place.
 bool Resolution::chercherComposante(std::uint32_t place, const std::vector<Compte>& vus, std::uint64_t& travail,
                                     bool preuves) {
-    const auto composante = composantes_.chercher(place, vus[place], vus, travail);
+    const auto composante = composantes_->chercher(place, vus[place], vus, travail);
     if (composante) regler(*composante, preuves);
     return composante.has_value();
 }
@@ -225,11 +227,11 @@ bool Resolution::majorerEnsembleParComposantes() {
     std::uint64_t travail = COMPOSANTES;
     std::uint64_t part = travail / 2;
     std::vector<Creux> composantes;
-    if (auto toutes = composantes_.couvrir(vus, Composantes::LEGER, part)) {
+    if (auto toutes = composantes_->couvrir(vus, Composantes::LEGER, part)) {
         composantes.push_back(std::move(*toutes));
     } else if (composantes = couvrirParPlusieurs(vus, travail); composantes.empty()) {
         part = COMPOSANTES / 2;
-        toutes = composantes_.couvrir(vus, Composantes::PESANT, part);
+        toutes = composantes_->couvrir(vus, Composantes::PESANT, part);
         if (!toutes) return false;
         composantes.push_back(std::move(*toutes));
     }
@@ -253,8 +255,8 @@ std::vector<Creux> Resolution::couvrirParPlusieurs(const std::vector<Compte>& vu
     std::vector<bool> couverte(vus.size(), false);
     for (std::uint32_t p = 0; p < vus.size(); ++p) {
         if (couverte[p]) continue;
-        auto composante = composantes_.chercher(p, std::max<Compte>(vus[p], 1), vus, travail);  // the fewest choices
-        if (!composante) composante = composantes_.chercher(p, OMEGA - 1, vus, travail);
+        auto composante = composantes_->chercher(p, std::max<Compte>(vus[p], 1), vus, travail);  // the fewest choices
+        if (!composante) composante = composantes_->chercher(p, OMEGA - 1, vus, travail);
         if (!composante) return {};
         for (const Poids& q : *composante) couverte[q.place] = true;
         composantes.push_back(std::move(*composante));

@@ -33,8 +33,7 @@ class Resolution {
 public:
     /// @param net must outlive it
     /// @param fils see Options
-    Resolution(const Net& net, unsigned fils)
-        : couverture(net, fils), tireur(net), net_(net), composantes_(net), visites_(net) {}
+    Resolution(const Net& net, unsigned fils) : couverture(net, fils), tireur(net), net_(net) {}
 
     /// The short exploration.
     /// @throws Debordement, std::bad_alloc
@@ -89,8 +88,8 @@ private:
     bool majorerEnsemble(unsigned effort);
 
     const Net& net_;
-    Composantes composantes_;
-    Visites visites_;
+    std::optional<Composantes> composantes_;  // from `finir` on
+    std::optional<Visites> visites_;          // from `finir` on
     std::optional<Phases> phases_;
     bool fini_ = false;
     std::uint64_t prolonges_ = 0;      // markings expanded to go on from others

@@ -20,15 +20,15 @@ constexpr std::uint64_t LARGESSE = 4;  // firings, as a multiple of what the way
 
 Visites::Visites(const Net& net)
     : net_(net),
-      demandes_(net.places.size()),
       vise_(net.places.size(), false),
       prix_(net.places.size()),
       depenses_(net.transitions.size()),
       bilan_(net.places.size(), 0) {
-    for (std::uint32_t t = 0; t < net.transitions.size(); ++t) {
-        for (const Poids& p : net.transitions[t].pre) demandes_[p.place].push_back({t, p.compte});
-        besoins_ += net.transitions[t].pre.size();
-    }
+    std::vector<Listes<Poids>::Entree> demandes;
+    for (std::uint32_t t = 0; t < net.transitions.size(); ++t)
+        for (const Poids& p : net.transitions[t].pre) demandes.push_back({p.place, {t, p.compte}});
+    besoins_ = demandes.size();
+    demandes_ = {net.places.size(), demandes};
 }
 
 void Visites::aller(std::vector<Compte>& vus, const But& but, Tireur& tireur, std::uint64_t travail) {

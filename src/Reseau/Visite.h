@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "Reseau/Course.h"
+#include "Reseau/Listes.h"
 #include "Reseau/Net.h"
 
 namespace Reseau {
@@ -73,8 +74,8 @@ private:
     bool depenser(std::size_t arcs);
 
     const Net& net_;
-    std::vector<std::vector<Poids>> demandes_;  // by place, the transitions (as `place`) that need it, and how much
-    std::size_t besoins_ = 0;                   // of all transitions together
+    Listes<Poids> demandes_;   // by place, the transitions (as `place`) that need it, and how much
+    std::size_t besoins_ = 0;  // of all transitions together
     std::vector<Compte>* vus_ = nullptr;
     const But* but_ = nullptr;
     std::vector<bool> vise_;  // by place
