@@ -1,6 +1,7 @@
 #include "Reseau/Prolongement.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "Reseau/Couverture.h"
@@ -14,16 +15,20 @@ namespace {
 constexpr std::size_t LONGUEUR = 10'000;  // of a way, in transitions
 constexpr std::size_t CHEMINS = 24;       // from one marking
 
-/// The net from `depart` on, without the arcs of the places that are unbounded there.
+/// The net from `depart` on, without the arcs of the places that are unbounded there, and without names.
 Net sansOmegas(const Net& net, std::vector<Compte> depart) {
     Net reste;
-    reste.places = net.places;
+    reste.places.resize(net.places.size());
     reste.initial = std::move(depart);
-    const auto omega = [&](const Poids& p) { return reste.initial[p.place] == OMEGA; };
-    for (Transition t : net.transitions) {
-        for (Creux* cote : {&t.pre, &t.post, &t.effet}) std::erase_if(*cote, omega);
-        reste.transitions.push_back(std::move(t));
-    }
+    const auto finis = [&](const Creux& arcs) {
+        Creux gardes;
+        std::ranges::copy_if(arcs, std::back_inserter(gardes),
+                             [&](const Poids& p) { return reste.initial[p.place] != OMEGA; });
+        return gardes;
+    };
+    reste.transitions.reserve(net.transitions.size());
+    for (const Transition& t : net.transitions)
+        reste.transitions.push_back({"", finis(t.pre), finis(t.post), finis(t.effet)});
     for (Compte& c : reste.initial)
         if (c == OMEGA) c = 0;
     return reste;

@@ -1,8 +1,9 @@
 #include "Reseau/Reduction.h"
 
 #include <algorithm>
-#include <numeric>
 #include <utility>
+
+#include "Reseau/Listes.h"
 
 namespace Reseau {
 
@@ -13,7 +14,7 @@ constexpr unsigned RONDES = 16;  // of the steps that may let others do more; a 
 /// By transition whether it can be fired when firing takes nothing away, and there is enough of what some transition
 /// raises that can be fired.
 std::vector<bool> tirables(const Net& net) {
-    std::vector<std::vector<std::uint32_t>> attendent(net.places.size());
+    std::vector<Listes<std::uint32_t>::Entree> attentes;  // transitions, by the places that they need more of
     std::vector<std::size_t> manques(net.transitions.size(), 0);
     std::vector<bool> montee(net.places.size(), false);
     std::vector<bool> resultat(net.transitions.size(), false);
@@ -21,11 +22,12 @@ std::vector<bool> tirables(const Net& net) {
     for (std::uint32_t t = 0; t < net.transitions.size(); ++t) {
         for (const Poids& p : net.transitions[t].pre) {
             if (p.compte <= net.initial[p.place]) continue;
-            attendent[p.place].push_back(t);
+            attentes.emplace_back(p.place, t);
             ++manques[t];
         }
         if (manques[t] == 0) prets.push_back(t);
     }
+    const Listes<std::uint32_t> attendent(net.places.size(), attentes);
     const auto monter = [&](std::uint32_t place) {
         if (montee[place]) return;
         montee[place] = true;
@@ -52,18 +54,30 @@ std::vector<bool> constantes(const Net& net) {
 
 }  // namespace
 
-Reduction::Reduction(const Net& net) : transitions_(net.transitions.size()) {
-    std::iota(transitions_.begin(), transitions_.end(), 0U);
+Reduction::Reduction(const Net& net) {
     net_.places.resize(net.places.size());
     net_.initial = net.initial;
-    net_.transitions.reserve(net.transitions.size());
-    for (const Transition& t : net.transitions) net_.transitions.push_back({"", t.pre, t.post, t.effet});
-    retirerMortes();
+    copierVivantes(net);
     for (unsigned ronde = 0; ronde < RONDES; ++ronde) {
         const bool moinsDeTransitions = retirerDominees();
         if (!retirerParalleles() && !moinsDeTransitions) break;
         retirerMortes();
     }
+}
+
+/// Takes over the transitions that are not dead.
+void Reduction::copierVivantes(const Net& net) {
+    const std::vector<bool> vivantes = tirables(net);
+    Mortes mortes;
+    net_.transitions.reserve(static_cast<std::size_t>(std::ranges::count(vivantes, true)));
+    for (std::uint32_t t = 0; t < vivantes.size(); ++t) {
+        (vivantes[t] ? transitions_ : mortes.transitions).push_back(t);
+        if (!vivantes[t]) continue;
+        const Transition& tir = net.transitions[t];
+        net_.transitions.push_back({"", tir.pre, tir.post, tir.effet});
+    }
+    etapes_.emplace_back(std::move(mortes));
+    oublierConstantes();
 }
 
 void Reduction::retirerMortes() {

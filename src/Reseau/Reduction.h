@@ -46,6 +46,7 @@ public:
     void restituer(std::vector<Compte>& comptes) const;
 
 private:
+    void copierVivantes(const Net& net);
     void retirerMortes();
     bool retirerDominees();
     bool retirerParalleles();
