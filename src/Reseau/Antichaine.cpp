@@ -10,19 +10,25 @@ namespace Reseau {
 
 bool Antichaine::couvre(const Mot* m) const {
     if (branches_.empty()) return false;
+    const Sonde sonde = champs_->sonder(m, pleins_);
+    return champs_->epars() ? couvre<true>(sonde) : couvre<false>(sonde);
+}
+
+template <bool EPARS>
+bool Antichaine::couvre(const Sonde sonde) const {
     const std::size_t octets = champs_->octets();
     pile_.assign(1, 0);
     while (!pile_.empty()) {
         const std::uint32_t ici = pile_.back();
         pile_.pop_back();
-        if (!champs_->couvre(jointure(ici), m)) continue;
+        if (!champs_->couvre<EPARS>(jointure(ici), sonde)) continue;
         const Branche& b = branches_[ici];
         if (b.place == FEUILLE) {
             const Liasse& l = feuilles_[b.suite];
             for (std::uint32_t i = 0; i < l.taille(); ++i)
-                if (champs_->couvre(l.en(i, octets), m)) return true;
+                if (champs_->couvre<EPARS>(l.en(i, octets), sonde)) return true;
         } else {
-            if (!franchit(b, m)) pile_.push_back(b.suite);
+            if (!franchit(b, sonde)) pile_.push_back(b.suite);
             pile_.push_back(b.suite + 1);
         }
     }
@@ -31,30 +37,43 @@ bool Antichaine::couvre(const Mot* m) const {
 
 bool Antichaine::contient(const Mot* m) const {
     if (branches_.empty()) return false;
+    const Sonde sonde = champs_->sonder(m, pleins_);
     std::uint32_t ici = 0;
-    while (branches_[ici].place != FEUILLE) ici = vers(branches_[ici], m);
+    while (branches_[ici].place != FEUILLE) ici = vers(branches_[ici], sonde);
     // The newest are asked for most.
     const Liasse& l = feuilles_[branches_[ici].suite];
     for (std::uint32_t i = l.taille(); i-- > 0;)
-        if (champs_->egale(l.en(i, champs_->octets()), m)) return true;
+        if (champs_->egale(l.en(i, champs_->octets()), sonde)) return true;
     return false;
 }
 
 void Antichaine::retirer(const Mot* m) {
     if (branches_.empty()) return;
-    const std::size_t octets = champs_->octets();
     const std::uint64_t avant = taille_;
+    const Sonde sonde = champs_->sonder(m, pleins_);
+    champs_->epars() ? retirer<true>(sonde) : retirer<false>(sonde);
+    retires_ += avant - taille_;
+    const std::size_t feuilles = feuilles_.size() - feuillesLibres_.size();
+    if (feuilles > 1 && retires_ > taille_ && taille_ < feuilles * CLAIRSEME) {
+        rebatir(0);
+        retires_ = 0;
+    }
+}
+
+template <bool EPARS>
+void Antichaine::retirer(const Sonde sonde) {
+    const std::size_t octets = champs_->octets();
     pile_.assign(1, 0);
     while (!pile_.empty()) {
         const std::uint32_t ici = pile_.back();
         pile_.pop_back();
-        if (!champs_->couverte(rencontre(ici), m)) continue;
+        if (!champs_->couverte<EPARS>(rencontre(ici), sonde)) continue;
         const Branche& b = branches_[ici];
         if (b.place == FEUILLE) {
             Liasse& l = feuilles_[b.suite];
             std::uint32_t restent = 0;
             for (std::uint32_t i = 0; i < l.taille(); ++i) {
-                if (champs_->couverte(l.en(i, octets), m)) continue;
+                if (champs_->couverte<EPARS>(l.en(i, octets), sonde)) continue;
                 if (restent < i) std::copy_n(l.en(i, octets), octets, l.en(restent, octets));
                 ++restent;
             }
@@ -62,14 +81,8 @@ void Antichaine::retirer(const Mot* m) {
             if (restent < l.taille()) l.raccourcir(restent, octets, GRAIN);
         } else {
             pile_.push_back(b.suite);
-            if (franchit(b, m)) pile_.push_back(b.suite + 1);
+            if (franchit(b, sonde)) pile_.push_back(b.suite + 1);
         }
-    }
-    retires_ += avant - taille_;
-    const std::size_t feuilles = feuilles_.size() - feuillesLibres_.size();
-    if (feuilles > 1 && retires_ > taille_ && taille_ < feuilles * CLAIRSEME) {
-        rebatir(0);
-        retires_ = 0;
     }
 }
 
@@ -94,21 +107,22 @@ void Antichaine::ajouter(const Mot* m) {
 /// @return the leaf's branch
 std::uint32_t Antichaine::sousLaBranche(std::uint32_t branche, const Mot* m) {
     chemin_.clear();
+    const Sonde sonde = champs_->sonder(m, pleins_);
     while (true) {
         chemin_.push_back(branche);
-        englober(branche, m);
+        englober(branche, sonde);
         const Branche& b = branches_[branche];
         if (b.place == FEUILLE) break;
-        branche = vers(b, m);
+        branche = vers(b, sonde);
     }
     champs_->ranger(m, feuilles_[branches_[branche].suite].allonger(champs_->octets(), GRAIN));
     return branche;
 }
 
-void Antichaine::englober(std::uint32_t branche, const Mot* m) {
+void Antichaine::englober(std::uint32_t branche, const Sonde& s) {
     std::uint8_t* bornes = bornes_.en(branche);
-    champs_->joindre(bornes, m);
-    champs_->rencontrer(bornes + champs_->octets(), m);
+    champs_->joindre(bornes, s);
+    champs_->rencontrer(bornes + champs_->octets(), s);
 }
 
 /// Builds anew the lowest subtree on the way to a leaf that is too deep for its size.
@@ -198,7 +212,10 @@ void Antichaine::demonter(std::uint32_t branche, std::vector<Liasse>& liasses) {
 void Antichaine::batir(std::uint32_t branche, Membres::iterator debut, Membres::iterator fin, std::size_t poids) {
     champs_->ranger(debut->data(), bornes_.en(branche));
     champs_->ranger(debut->data(), bornes_.en(branche) + champs_->octets());
-    for (auto m = debut; m != fin; ++m) englober(branche, m->data());
+    for (auto m = debut; m != fin; ++m) {
+        const Sonde sonde = champs_->sonder(m->data(), pleins_);
+        englober(branche, sonde);
+    }
     const auto nombre = static_cast<std::size_t>(fin - debut);
     const bool petite = nombre == 1 || nombre * poids <= capacite();
     const Coupe coupe = petite ? Coupe{FEUILLE, 0, nombre, {}} : meilleureCoupe(branche, debut, fin);
@@ -210,7 +227,10 @@ void Antichaine::batir(std::uint32_t branche, Membres::iterator debut, Membres::
     const Compte seuil = coupe.place == ENSEMBLE ? nouveauxSeuils(coupe.ensemble) : coupe.seuil;
     const Branche neuve{seuil, coupe.place, nouvellePaire()};
     branches_[branche] = neuve;
-    const auto milieu = std::partition(debut, fin, [&](const auto& m) { return vers(neuve, m.data()) == neuve.suite; });
+    const auto milieu = std::partition(debut, fin, [&](const auto& m) {
+        const Sonde sonde = champs_->sonder(m.data(), pleins_);
+        return !franchit(neuve, sonde);
+    });
     batir(neuve.suite, debut, milieu, poids);
     batir(neuve.suite + 1, milieu, fin, poids);
 }

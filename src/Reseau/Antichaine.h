@@ -49,6 +49,26 @@ public:
             for (std::uint32_t i = 0; i < l.taille(); ++i) f(l.en(i, champs_->octets()));
     }
 
+    /// Calls f(kept marking) for every member that holds so much of a place, or more.
+    template <class F>
+    void pourChaqueAvec(std::uint32_t place, Compte compte, F&& f) const {
+        if (branches_.empty()) return;
+        pile_.assign(1, 0);
+        while (!pile_.empty()) {
+            const std::uint32_t ici = pile_.back();
+            pile_.pop_back();
+            if (champs_->lire(jointure(ici), place) < compte) continue;
+            const Branche& b = branches_[ici];
+            if (b.place != FEUILLE) {
+                pile_.insert(pile_.end(), {b.suite, b.suite + 1});
+                continue;
+            }
+            const Liasse& l = feuilles_[b.suite];
+            for (std::uint32_t i = 0; i < l.taille(); ++i)
+                if (champs_->lire(l.en(i, champs_->octets()), place) >= compte) f(l.en(i, champs_->octets()));
+        }
+    }
+
 private:
     static constexpr std::uint32_t FEUILLE = ~std::uint32_t{0};
     static constexpr std::uint32_t ENSEMBLE = FEUILLE - 1;
@@ -79,14 +99,18 @@ private:
     std::size_t capacite() const { return std::max(CAPACITE, OCTETS / champs_->octets()); }
     const std::uint8_t* jointure(std::uint32_t branche) const { return bornes_.en(branche); }
     const std::uint8_t* rencontre(std::uint32_t branche) const { return bornes_.en(branche) + champs_->octets(); }
-    /// Whether `m` holds as much as the cut asks for; then so does whatever covers it.
-    bool franchit(const Branche& b, const Mot* m) const {
-        if (b.place == ENSEMBLE) return champs_->franchit(m, seuils_.en(static_cast<std::size_t>(b.seuil)));
-        return champs_->lire(m, b.place) >= b.seuil;
+    /// Whether the marking holds as much as the cut asks for; then so does whatever covers it.
+    bool franchit(const Branche& b, const Sonde& s) const {
+        if (b.place == ENSEMBLE) return champs_->franchit(s, seuils_.en(static_cast<std::size_t>(b.seuil)));
+        return champs_->lire(s.mots, b.place) >= b.seuil;
     }
-    std::uint32_t vers(const Branche& b, const Mot* m) const { return b.suite + (franchit(b, m) ? 1 : 0); }
+    std::uint32_t vers(const Branche& b, const Sonde& s) const { return b.suite + (franchit(b, s) ? 1 : 0); }
+    template <bool EPARS>
+    bool couvre(Sonde sonde) const;
+    template <bool EPARS>
+    void retirer(Sonde sonde);
     std::uint32_t sousLaBranche(std::uint32_t branche, const Mot* m);
-    void englober(std::uint32_t branche, const Mot* m);
+    void englober(std::uint32_t branche, const Sonde& s);
     void equilibrer(const std::vector<std::uint32_t>& chemin);
     std::uint64_t compter(std::uint32_t branche) const;
     void rebatir(std::uint32_t branche);
@@ -111,6 +135,7 @@ private:
     std::uint64_t retires_ = 0;  // since the tree was built
     std::uint64_t credit_ = 0;
     mutable std::vector<std::uint32_t> pile_;
+    mutable std::vector<std::uint32_t> pleins_;  // of the marking that the call under way is about
     std::vector<std::uint32_t> chemin_;
 };
 

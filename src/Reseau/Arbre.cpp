@@ -55,8 +55,10 @@ std::vector<Pas> Arbre::chemin(std::uint32_t n) const {
 }
 
 std::uint32_t Arbre::chercher(const Mot* m) const {
+    std::vector<std::uint32_t> pleins;
+    const Sonde sonde = champs_->sonder(m, pleins);
     for (std::uint32_t n = 0; n < noeuds_.size(); ++n)
-        if (champs_->egale(gardes_.en(n), m)) return n;
+        if (champs_->egale(gardes_.en(n), sonde)) return n;
     return AUCUN;
 }
 

@@ -35,8 +35,44 @@ Champs::Champs(const std::vector<Compte>& plafonds, bool omegas) : champs_(plafo
             mots_[c.mot].gardes |= (c.masque + 1) << c.decalage;
             mots_[c.mot].uns |= Mot{1} << c.decalage;
         }
-    octets_ = (pris.size() - 1) * sizeof(Mot) + std::max<std::size_t>(1, (pris.back() + 7) / 8);
-    mots_.back().utile = octets_ % sizeof(Mot) == 0 ? ~Mot{0} : (Mot{1} << (octets_ % sizeof(Mot) * 8)) - 1;
+    finDesMots_ = (pris.size() - 1) * sizeof(Mot) + std::max<std::size_t>(1, (pris.back() + 7) / 8);
+    mots_.back().utile = finDesMots_ % sizeof(Mot) == 0 ? ~Mot{0} : (Mot{1} << (finDesMots_ % sizeof(Mot) * 8)) - 1;
+    octets_ = finDesMots_ + (omegas && pris.size() >= BEAUCOUP ? sizeof(Mot) : 0);
+}
+
+void Champs::resumer(std::uint8_t* garde) const {
+    Mot r = 0;
+    for (std::size_t i = 0; i < mots_.size(); ++i)
+        if (mot(garde, i) != 0) r |= groupe(i);
+    ecrire(garde + finDesMots_, r, sizeof(Mot));
+}
+
+Sonde Champs::sonderEpars(const Mot* m, std::vector<std::uint32_t>& pleins) const {
+    pleins.resize(mots_.size());
+    Mot r = 0;
+    std::size_t n = 0;
+    for (std::size_t i = 0; i < mots_.size(); ++i) {
+        if (m[i] == 0) continue;
+        pleins[n++] = static_cast<std::uint32_t>(i);
+        r |= groupe(i);
+    }
+    return {m, std::span(pleins).first(n), r};
+}
+
+bool Champs::couvreEpars(const std::uint8_t* garde, Sonde s) const {
+    if ((s.resume & ~resume(garde)) != 0) return false;
+    return std::ranges::all_of(s.pleins,
+                               [&](std::size_t i) { return atteint(mot(garde, i), s.mots[i], mots_[i].gardes); });
+}
+
+void Champs::joindreEpars(std::uint8_t* garde, Sonde s) const {
+    for (const std::uint32_t i : s.pleins) joindre(garde, i, s.mots[i]);
+    ecrire(garde + finDesMots_, resume(garde) | s.resume, sizeof(Mot));
+}
+
+bool Champs::franchitEpars(Sonde s, const std::uint8_t* seuils) const {
+    return std::ranges::any_of(s.pleins,
+                               [&](std::size_t i) { return franchit(s.mots[i], mot(seuils, i), mots_[i].gardes); });
 }
 
 Creux Champs::creux(const Mot* m) const {

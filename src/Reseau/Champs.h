@@ -6,6 +6,10 @@
 // another in all places of a word at once: set the guards, subtract, and see which guards were borrowed from. Source:
 // L. Lamport, "Multiple byte processing with full-word instructions", Communications of the ACM 18 (1975).
 //
+// Where many words of a marking hold nothing, they are passed over: what is compared with many others is probed first
+// (Sonde), and with each kept marking of many words goes a summary, a bit for each group of words that hold something,
+// which tells markings of different places apart at once.
+//
 // A count that does not fit asks for a new layout, and what is kept is converted. That happens a few times for each
 // place, since a field grows by whole bits, and less often where it would take long (Elargissement).
 #pragma once
@@ -14,6 +18,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <vector>
 
 #include "Reseau/Net.h"
@@ -21,6 +26,14 @@
 namespace Reseau {
 
 using Mot = std::uint64_t;
+
+/// A marking that is compared with many, for as long as it stays as it is.
+struct Sonde {
+    const Mot* mots = nullptr;
+    // Of a marking of many words:
+    std::span<const std::uint32_t> pleins;  ///< the words that hold something
+    Mot resume = 0;                         ///< which groups of words hold something
+};
 
 class Champs {
 public:
@@ -34,6 +47,8 @@ public:
     std::uint32_t places() const { return static_cast<std::uint32_t>(champs_.size()); }
     std::size_t mots() const { return mots_.size(); }
     std::size_t octets() const { return octets_; }
+    /// Whether a marking has many words, and a summary.
+    bool epars() const { return finDesMots_ < octets_; }
 
     Compte lire(const Mot* m, std::uint32_t p) const { return compte(m[champs_[p].mot], p); }
     /// The same of a kept marking.
@@ -54,15 +69,19 @@ public:
     void ranger(const Mot* m, std::uint8_t* garde) const {
         for (std::size_t i = 0; i + 1 < mots_.size(); ++i) ecrire(garde + i * sizeof(Mot), m[i], sizeof(Mot));
         const std::size_t dernier = (mots_.size() - 1) * sizeof(Mot);
-        ecrire(garde + dernier, m[mots_.size() - 1], octets_ - dernier);
+        ecrire(garde + dernier, m[mots_.size() - 1], finDesMots_ - dernier);
+        if (epars()) resumer(garde);
     }
     void reprendre(const std::uint8_t* garde, Mot* m) const {
         for (std::size_t i = 0; i < mots_.size(); ++i) m[i] = mot(garde, i);
     }
-    bool egale(const std::uint8_t* garde, const Mot* m) const {
-        for (std::size_t i = 0; i < mots_.size(); ++i)
-            if (mot(garde, i) != m[i]) return false;
-        return true;
+    /// @param pleins where the list of the words is put, if one is needed
+    Sonde sonder(const Mot* m, std::vector<std::uint32_t>& pleins) const {
+        return epars() ? sonderEpars(m, pleins) : Sonde{m, {}, 0};
+    }
+    bool egale(const std::uint8_t* garde, const Sonde& s) const {
+        if (epars() && resume(garde) != s.resume) return false;
+        return tous([&](std::size_t i) { return mot(garde, i) == s.mots[i]; });
     }
     std::uint64_t empreinte(const Mot* m) const {
         return hacher([m](std::size_t i) { return m[i]; });
@@ -71,25 +90,35 @@ public:
     std::uint64_t empreinte(const std::uint8_t* garde) const {
         return hacher([this, garde](std::size_t i) { return mot(garde, i); });
     }
-    /// @return kept >= m, place by place
-    bool couvre(const std::uint8_t* garde, const Mot* m) const {
-        for (std::size_t i = 0; i < mots_.size(); ++i)
-            if (!atteint(mot(garde, i), m[i], mots_[i].gardes)) return false;
-        return true;
+    /// @tparam EPARS epars(), found out once for many comparisons
+    /// @return kept >= the other one, place by place
+    template <bool EPARS>
+    bool couvre(const std::uint8_t* garde, const Sonde& s) const {
+        if constexpr (EPARS) return couvreEpars(garde, s);
+        return tous([&](std::size_t i) { return atteint(mot(garde, i), s.mots[i], mots_[i].gardes); });
     }
-    /// @return kept <= m, place by place
-    bool couverte(const std::uint8_t* garde, const Mot* m) const {
-        for (std::size_t i = 0; i < mots_.size(); ++i)
-            if (!atteint(m[i], mot(garde, i), mots_[i].gardes)) return false;
-        return true;
+    /// @tparam EPARS as for `couvre`
+    /// @return kept <= the other one, place by place
+    template <bool EPARS>
+    bool couverte(const std::uint8_t* garde, const Sonde& s) const {
+        if constexpr (EPARS) {
+            const Mot ici = resume(garde);
+            if ((ici & ~s.resume) != 0) return false;
+            if (ici == 0) return true;
+        }
+        return tous([&](std::size_t i) { return atteint(s.mots[i], mot(garde, i), mots_[i].gardes); });
     }
     /// Raises the kept marking to the larger count of each place.
-    void joindre(std::uint8_t* garde, const Mot* m) const {
-        remplacer(garde, m, [](Mot la, Mot neuf, Mot gardes) { return moindres(la, neuf, gardes); });
+    void joindre(std::uint8_t* garde, const Sonde& s) const {
+        if (epars()) return joindreEpars(garde, s);
+        for (std::size_t i = 0; i < mots_.size(); ++i) joindre(garde, i, s.mots[i]);
     }
     /// Lowers the kept marking to the smaller count of each place.
-    void rencontrer(std::uint8_t* garde, const Mot* m) const {
-        remplacer(garde, m, [](Mot la, Mot neuf, Mot gardes) { return moindres(neuf, la, gardes); });
+    void rencontrer(std::uint8_t* garde, const Sonde& s) const {
+        if (epars() && resume(garde) == 0) return;
+        for (std::size_t i = 0; i < mots_.size(); ++i)
+            remplacer(garde, i, s.mots[i], moindres(s.mots[i], mot(garde, i), mots_[i].gardes));
+        if (epars()) resumer(garde);
     }
     /// @return a >= b, place by place
     bool couvre(const Mot* a, const Mot* b) const {
@@ -111,15 +140,11 @@ public:
         }
         return plus != 0;
     }
-    /// Whether `m` holds, in some place at least, what the thresholds ask. They are a marking in which the places that
-    /// are asked for are those with their guards set.
-    bool franchit(const Mot* m, const std::uint8_t* seuils) const {
-        for (std::size_t i = 0; i < mots_.size(); ++i) {
-            const Mot seuil = mot(seuils, i);
-            const Mot gardes = mots_[i].gardes;
-            if ((((m[i] | gardes) - (seuil & ~gardes)) & seuil & gardes) != 0) return true;
-        }
-        return false;
+    /// Whether the marking holds, in some place at least, what the thresholds ask. They are a marking in which the
+    /// places that are asked for are those with their guards set, and more than nothing is asked for.
+    bool franchit(const Sonde& s, const std::uint8_t* seuils) const {
+        if (epars()) return franchitEpars(s, seuils);
+        return !tous([&](std::size_t i) { return !franchit(s.mots[i], mot(seuils, i), mots_[i].gardes); });
     }
     /// Asks for a count of a place in thresholds, see `franchit`.
     void exiger(Mot* seuils, std::uint32_t p, Compte c) const {
@@ -151,7 +176,8 @@ public:
     bool omegas() const { return omegas_; }
 
 private:
-    static constexpr unsigned MOT = 64;  // bits
+    static constexpr unsigned MOT = 64;          // bits
+    static constexpr std::size_t BEAUCOUP = 16;  // words
 
     struct Masques {
         Mot utile = 0;
@@ -188,23 +214,40 @@ private:
         h *= 0xD6E8FEB86659FD93U;
         return h ^ (h >> 32);
     }
-    /// Takes the counts of `m` for the fields of which `lesquels` returns the guards.
+    /// Whether f(number) is true of every word.
     template <class F>
-    void remplacer(std::uint8_t* garde, const Mot* m, F&& lesquels) const {
-        for (std::size_t i = 0; i < mots_.size(); ++i) {
-            const Mot la = mot(garde, i);
-            const Mot gardes = mots_[i].gardes;
-            Mot champs = 0;
-            for (Mot reste = lesquels(la, m[i], gardes); reste != 0; reste &= reste - 1) {
-                const Mot sienne = reste & -reste;
-                const Mot plusBasses = gardes & (sienne - 1);  // the field begins behind the highest of them
-                champs |= sienne - (plusBasses == 0 ? 1 : std::bit_floor(plusBasses) << 1);
-            }
-            if (champs == 0) continue;
-            const std::size_t ici = i * sizeof(Mot);
-            ecrire(garde + ici, (la & ~champs) | (m[i] & champs), std::min(sizeof(Mot), octets_ - ici));
-        }
+    bool tous(F&& f) const {
+        for (std::size_t i = 0; i < mots_.size(); ++i)
+            if (!f(i)) return false;
+        return true;
     }
+    // By value: what is probed with stays in registers where it has few words.
+    Sonde sonderEpars(const Mot* m, std::vector<std::uint32_t>& pleins) const;
+    bool couvreEpars(const std::uint8_t* garde, Sonde s) const;
+    void joindreEpars(std::uint8_t* garde, Sonde s) const;
+    bool franchitEpars(Sonde s, const std::uint8_t* seuils) const;
+    void joindre(std::uint8_t* garde, std::size_t i, Mot neuf) const {
+        remplacer(garde, i, neuf, moindres(mot(garde, i), neuf, mots_[i].gardes));
+    }
+    /// Takes the counts of `neuf` for those fields of the i-th word whose guards are given.
+    void remplacer(std::uint8_t* garde, std::size_t i, Mot neuf, Mot lesquels) const {
+        if (lesquels == 0) return;
+        Mot champs = 0;
+        for (; lesquels != 0; lesquels &= lesquels - 1) {
+            const Mot sienne = lesquels & -lesquels;
+            const Mot plusBasses = mots_[i].gardes & (sienne - 1);  // the field begins behind the highest of them
+            champs |= sienne - (plusBasses == 0 ? 1 : std::bit_floor(plusBasses) << 1);
+        }
+        const std::size_t ici = i * sizeof(Mot);
+        ecrire(garde + ici, (mot(garde, i) & ~champs) | (neuf & champs), std::min(sizeof(Mot), finDesMots_ - ici));
+    }
+    static Mot groupe(std::size_t i) { return Mot{1} << i % MOT; }
+    Mot resume(const std::uint8_t* garde) const {
+        Mot m = 0;
+        std::memcpy(&m, garde + finDesMots_, sizeof m);
+        return memoire(m);
+    }
+    void resumer(std::uint8_t* garde) const;
     /// Calls f(place) for each field of the i-th word in which `mot` has a bit.
     template <class F>
     void pourChaqueChamp(std::size_t i, Mot mot, F&& f) const {
@@ -216,11 +259,15 @@ private:
     }
     /// The guards of the fields in which `a` holds less than `b`.
     static Mot moindres(Mot a, Mot b, Mot gardes) { return ~((a | gardes) - b) & gardes; }
+    static bool franchit(Mot m, Mot seuil, Mot gardes) {
+        return (((m | gardes) - (seuil & ~gardes)) & seuil & gardes) != 0;
+    }
     static bool atteint(Mot plus, Mot moins, Mot gardes) { return (((plus | gardes) - moins) & gardes) == gardes; }
 
     std::vector<Champ> champs_;
     std::vector<Masques> mots_;
     std::vector<std::uint32_t> parBit_;  // places, by the bits of all words
+    std::size_t finDesMots_ = 0;         // bytes of what is kept without the summary
     std::size_t octets_ = 0;
     bool omegas_;
 };

@@ -329,11 +329,16 @@ void Couverture::parcourir(F&& f) const {
 Creux Couverture::temoin(std::uint32_t place) const {
     std::vector<Mot> meilleur;
     std::vector<Mot> m(champs().mots());
-    parcourir([&](const std::uint8_t* garde) {
-        if (champs().lire(garde, place) != maxima_[place]) return;
+    const auto comparer = [&](const std::uint8_t* garde) {
         champs().reprendre(garde, m.data());
         if (meilleur.empty() || champs().precede(m.data(), meilleur.data())) meilleur = m;
-    });
+    };
+    if (enumeration_)
+        enumeration_->pourChaque([&](const std::uint8_t* garde) {
+            if (champs().lire(garde, place) == maxima_[place]) comparer(garde);
+        });
+    else
+        antichaine_.pourChaqueAvec(place, maxima_[place], comparer);
     return champs().creux(meilleur.data());
 }
 

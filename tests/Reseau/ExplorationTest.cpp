@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -41,6 +42,7 @@ using Reseau::Champs;
 using Reseau::Compte;
 using Reseau::Mot;
 using Reseau::OMEGA;
+using Reseau::Sonde;
 using Comptes = std::vector<Compte>;
 using Mots = std::vector<Mot>;
 
@@ -57,6 +59,21 @@ Comptes deballer(const Champs& champs, const Mot* m) {
     for (std::uint32_t p = 0; p < comptes.size(); ++p) comptes[p] = champs.lire(m, p);
     return comptes;
 }
+
+/// A marking ready to be compared with others.
+struct Sondee {
+    Sondee(const Champs& layout, const Mots& m) : champs(layout), sonde(champs.sonder(m.data(), pleins)) {}
+    bool couverteDe(const std::uint8_t* garde) const {
+        return champs.epars() ? champs.couvre<true>(garde, sonde) : champs.couvre<false>(garde, sonde);
+    }
+    bool couvre(const std::uint8_t* garde) const {
+        return champs.epars() ? champs.couverte<true>(garde, sonde) : champs.couverte<false>(garde, sonde);
+    }
+
+    const Champs& champs;
+    std::vector<std::uint32_t> pleins;
+    Sonde sonde;
+};
 
 /// A packed marking as it is kept.
 std::vector<std::uint8_t> garder(const Champs& champs, const Comptes& comptes) {
@@ -104,14 +121,15 @@ TEST(ChampsTest, PackedMarkingsAreReadComparedJoinedAndConvertedAsTheirCountsAre
         }
         const Champs champs(plafonds, omegas);
         const Mots motsA = emballer(champs, a);
+        const Sondee sondeA(champs, motsA);
         std::vector<std::uint8_t> gardeB = garder(champs, b);
         ASSERT_EQ(deballer(champs, motsA.data()), a);
         ASSERT_EQ(lireGarde(champs, gardeB.data()), b);
-        ASSERT_EQ(champs.egale(gardeB.data(), motsA.data()), a == b);
+        ASSERT_EQ(champs.egale(gardeB.data(), sondeA.sonde), a == b);
         for (std::uint32_t p = 0; p < plafonds.size(); ++p) ASSERT_GE(champs.plafond(p), plafonds[p]);
         if (!omegas) continue;
-        ASSERT_EQ(champs.couvre(gardeB.data(), motsA.data()), couvre(b, a));
-        ASSERT_EQ(champs.couverte(gardeB.data(), motsA.data()), couvre(a, b));
+        ASSERT_EQ(sondeA.couverteDe(gardeB.data()), couvre(b, a));
+        ASSERT_EQ(sondeA.couvre(gardeB.data()), couvre(a, b));
         ASSERT_EQ(champs.couvre(motsA.data(), emballer(champs, b).data()), couvre(a, b));
         bool plus = false;
         for (std::size_t p = 0; p < a.size(); ++p) plus = plus || (a[p] > b[p] && a[p] != OMEGA);
@@ -134,11 +152,15 @@ TEST(ChampsTest, PackedMarkingsAreReadComparedJoinedAndConvertedAsTheirCountsAre
             jointure[p] = std::max(a[p], b[p]);
             rencontre[p] = std::min(a[p], b[p]);
         }
-        champs.joindre(gardeB.data(), motsA.data());
+        champs.joindre(gardeB.data(), sondeA.sonde);
         ASSERT_EQ(lireGarde(champs, gardeB.data()), jointure);
+        ASSERT_TRUE(sondeA.couverteDe(gardeB.data()));
         gardeB = garder(champs, b);
-        champs.rencontrer(gardeB.data(), motsA.data());
+        champs.rencontrer(gardeB.data(), sondeA.sonde);
         ASSERT_EQ(lireGarde(champs, gardeB.data()), rencontre);
+        ASSERT_TRUE(sondeA.couvre(gardeB.data()));
+        const Mots motsRencontre = emballer(champs, rencontre);
+        ASSERT_TRUE(champs.egale(gardeB.data(), Sondee(champs, motsRencontre).sonde));
         const Champs larges(plusLarges, true);
         Mots convertie(larges.mots());
         Reseau::convertir(champs, motsA.data(), larges, convertie.data());
@@ -150,14 +172,14 @@ TEST(ChampsTest, ThresholdsAreMetWhereSomePlaceHoldsWhatIsAskedOfIt) {
     Hasard h(6);
     for (int tour = 0; tour < 3000; ++tour) {
         Comptes plafonds(static_cast<std::size_t>(1 + tirer(h, 60)));
-        for (Compte& c : plafonds) c = tirer(h, 9);
+        for (Compte& c : plafonds) c = 1 + tirer(h, 9);
         const Champs champs(plafonds, true);
         Comptes m = plafonds;
         Mots seuils(champs.mots(), 0);
         bool franchis = false;
         for (std::uint32_t p = 0; p < m.size(); ++p) {
             m[p] = compteAuHasard(h, plafonds[p], true);
-            const Compte seuil = compteAuHasard(h, plafonds[p], true);
+            const Compte seuil = std::max<Compte>(1, compteAuHasard(h, plafonds[p], true));
             const bool demandee = tirer(h, 4) == 0;
             if (demandee) champs.exiger(seuils.data(), p, seuil);
             ASSERT_EQ(champs.exige(seuils.data(), p), demandee);
@@ -165,7 +187,8 @@ TEST(ChampsTest, ThresholdsAreMetWhereSomePlaceHoldsWhatIsAskedOfIt) {
         }
         std::vector<std::uint8_t> garde(champs.octets() + Champs::MARGE, 0xA5);
         champs.ranger(seuils.data(), garde.data());
-        ASSERT_EQ(champs.franchit(emballer(champs, m).data(), garde.data()), franchis);
+        const Mots mots = emballer(champs, m);
+        ASSERT_EQ(champs.franchit(Sondee(champs, mots).sonde, garde.data()), franchis);
     }
 }
 
@@ -304,6 +327,13 @@ TEST(AntichainesLarges, MarkingsOfAFewTokensAmongManyPlacesAreCoveredAndRetiredA
         ASSERT_EQ(index.taille(), liste.size());
     }
     EXPECT_GT(liste.size(), 1000U);
+    for (std::uint32_t p = 0; p < PLACES; ++p) {
+        std::vector<Comptes> lus;
+        index.pourChaqueAvec(p, 2, [&](const std::uint8_t* garde) { lus.push_back(lireGarde(*champs, garde)); });
+        std::vector<Comptes> attendus;
+        std::ranges::copy_if(liste, std::back_inserter(attendus), [p](const Comptes& m) { return m[p] >= 2; });
+        ASSERT_THAT(lus, testing::UnorderedElementsAreArray(attendus)) << p;
+    }
 }
 
 /// Once there are as many customers as one likes the rest of the shop only goes round; before, it can still be pumped.
