@@ -20,8 +20,8 @@ namespace {
 // No sum of 64-bit counts along a run that fits in memory comes near it.
 constexpr Large INFINI = static_cast<Large>(1) << 126;
 
-constexpr std::size_t PAIRES = 200'000;  // that are looked at
-constexpr std::size_t RETENUES = 4096;   // of them
+constexpr std::size_t PAIRES = 1'000'000;  // arcs of those that are looked at
+constexpr std::size_t RETENUES = 4096;     // of them
 
 /// Whether two transitions in a row take nothing away and add something.
 bool rendentTout(const Creux& un, const Creux& autre) {
@@ -83,9 +83,10 @@ void Accelerations::chercherLesPaires() {
         for (const Poids& e : net_.transitions[t].effet)
             if (e.compte < 0 && (!rares || producteurs[e.place].size() < rares->size())) rares = producteurs[e.place];
         if (!rares) continue;
-        if (rares->size() > reste) return;
-        reste -= rares->size();
         for (const std::uint32_t u : *rares) {
+            const std::size_t arcs = net_.transitions[t].effet.size() + net_.transitions[u].effet.size();
+            if (arcs > reste) return;
+            reste -= arcs;
             if (!rendentTout(net_.transitions[t].effet, net_.transitions[u].effet)) continue;
             if (paires_.size() == RETENUES) return;
             paires_.push_back(composer({{Pas::TIR, t}, {Pas::TIR, u}}));

@@ -23,7 +23,9 @@ constexpr unsigned CROISSANCE = 3;   // powers of two by which a turn of the exp
                                      // it may then cost about as much as the state equation's next one
 constexpr std::uint64_t COMPOSANTES = 8'000'000;  // arcs followed in one turn
 constexpr std::uint64_t COMPOSANTE = 40'000;      // and for one place on a visit
+constexpr std::size_t PROGRES = 8;                // of the places left, when visits settle one of so many they go on
 constexpr std::uint64_t VISITES = 25'000;         // arcs looked at for each place in the first turn
+constexpr std::size_t DEMONTRABLE = 1000;         // places of a set that is written down for each of them
 constexpr std::size_t PROLONGEMENTS = 16;         // markings from which the way on is looked for in one turn
 constexpr std::uint64_t QUESTIONS = 8;  // that may use up all their effort before the exploration has its turn
 constexpr Large TOUT = static_cast<Large>(1) << 125;  // any finite bound is good enough
@@ -75,7 +77,7 @@ void Resolution::finir(const Options& options) {
     for (unsigned tour = 0; tour < TOURS; ++tour) {
         majorerParComposantes(options.preuves);
         if (!options.verdictSeul && viser()) return;
-        visiter(tour, options.preuves);
+        visiterTantQueCaAvance(tour, options);
         if (options.verdictSeul ? !bornee() : viser()) return;
         if (!options.verdictSeul && majorerParAbondance(premier << tour)) return;
         if (majorants && tour < EFFORTS) {
@@ -105,6 +107,26 @@ bool Resolution::reglee(std::uint32_t place) const {
            (abondance && abondance->majorants()[place] == borne(place));
 }
 
+std::size_t Resolution::restantes() const {
+    std::size_t nombre = 0;
+    for (std::uint32_t p = 0; p < net_.places.size(); ++p) nombre += reglee(p) ? 0 : 1;
+    return nombre;
+}
+
+/// Visits; where the state equation cannot be asked, goes on while that settles many of the places that are left.
+void Resolution::visiterTantQueCaAvance(unsigned tour, const Options& options) {
+    for (bool avance = true; avance;) {
+        const std::size_t avant = restantes();
+        visiter(tour, options.preuves);
+        const std::size_t apres = restantes();
+        if (options.verdictSeul || majorants || apres == 0) return;
+        avance = apres * PROGRES < avant * (PROGRES - 1);
+        if (plafonnee_) continue;
+        plafonnee_ = plafonner(options.preuves);
+        avance = avance || plafonnee_;
+    }
+}
+
 /// Tells the exploration what is still to be reached.
 /// @return whether that is nothing any more
 bool Resolution::viser() {
@@ -129,6 +151,27 @@ void Resolution::majorerParComposantes(bool preuves) {
     for (const bool vides : {false, true})
         for (std::uint32_t p = 0; p < vus.size(); ++p)
             if ((vus[p] == 0) == vides && !reglee(p)) chercherComposante(p, vus, travail, preuves);
+}
+
+/// Bounds places by any sets whose tokens never become more, where the state equation cannot be asked: then it is known
+/// how many tokens are worth being brought there. One set of all places if there is one.
+/// @return whether there are any
+bool Resolution::plafonner(bool preuves) {
+    std::vector<Compte> vus(net_.places.size());
+    for (std::uint32_t p = 0; p < vus.size(); ++p) vus[p] = borne(p);
+    bool trouvee = false;
+    const auto retenir = [&](const std::optional<Creux>& composante) {
+        if (!composante || (preuves && composante->size() > DEMONTRABLE)) return;
+        regler(*composante, preuves);
+        trouvee = true;
+    };
+    std::uint64_t travail = COMPOSANTES;
+    retenir(composantes_->couvrir(vus, Composantes::LEGER, travail));
+    if (trouvee) return true;
+    travail = COMPOSANTES;
+    for (std::uint32_t p = 0; p < vus.size(); ++p)
+        if (!majorations[p] && !reglee(p)) retenir(composantes_->chercher(p, OMEGA - 1, vus, travail));
+    return trouvee;
 }
 
 /// Settles places that stay small while others are taken for unbounded.
@@ -156,15 +199,15 @@ void Resolution::visiter(unsigned tour, bool preuves) {
     for (std::uint32_t p = 0; p < vus.size(); ++p) vus[p] = borne(p);
     std::uint64_t travail = COMPOSANTES;
     const auto but = [&](std::uint32_t p) {
-        if (abondance && abondance->majorants()[p] == vus[p]) return false;
-        if (majorations[p]) return majorations[p]->borne > vus[p];
+        if (abondance && abondance->majorants()[p] == vus[p]) return vus[p];
+        if (majorations[p]) return static_cast<Compte>(std::min<Large>(majorations[p]->borne, OMEGA));
         std::uint64_t part = std::min(travail, COMPOSANTE);
         travail -= part;
         const bool trouvee = vus[p] > net_.initial[p] && chercherComposante(p, vus, part, preuves);
         travail += part;
-        return !trouvee;
+        return trouvee ? vus[p] : OMEGA;
     };
-    visites_->aller(vus, but, tireur, (VISITES * net_.places.size()) << tour);
+    visites_->aller(vus, but, tireur, (VISITES * net_.places.size()) << tour, plafonnee_);
 }
 
 /// Goes on from where most is unbounded; and then, for each part of what is left of the net without all that is known

@@ -70,7 +70,10 @@ public:
 
 private:
     bool reglee(std::uint32_t place) const;
+    std::size_t restantes() const;
     bool viser();
+    bool plafonner(bool preuves);
+    void visiterTantQueCaAvance(unsigned tour, const Options& options);
     void majorerParComposantes(bool preuves);
     void visiter(unsigned tour, bool preuves);
     bool prolonger(std::uint64_t limite);
@@ -92,6 +95,7 @@ private:
     std::optional<Visites> visites_;          // from `finir` on
     std::optional<Phases> phases_;
     bool fini_ = false;
+    bool plafonnee_ = false;           // whether `plafonner` has found bounds
     std::uint64_t prolonges_ = 0;      // markings expanded to go on from others
     std::vector<unsigned> questions_;  // put to the state equation, by place
 };

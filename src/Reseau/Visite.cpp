@@ -20,7 +20,7 @@ constexpr std::uint64_t LARGESSE = 4;  // firings, as a multiple of what the way
 
 Visites::Visites(const Net& net)
     : net_(net),
-      vise_(net.places.size(), false),
+      buts_(net.places.size(), 0),
       prix_(net.places.size()),
       depenses_(net.transitions.size()),
       bilan_(net.places.size(), 0) {
@@ -31,11 +31,12 @@ Visites::Visites(const Net& net)
     demandes_ = {net.places.size(), demandes};
 }
 
-void Visites::aller(std::vector<Compte>& vus, const But& but, Tireur& tireur, std::uint64_t travail) {
+void Visites::aller(std::vector<Compte>& vus, const But& but, Tireur& tireur, std::uint64_t travail, bool enMasse) {
+    enMasse_ = enMasse;
     vus_ = &vus;
     but_ = &but;
     travail_ = travail;
-    for (std::uint32_t p = 0; p < vus.size(); ++p) vise_[p] = vus[p] != OMEGA && but(p);
+    for (std::uint32_t p = 0; p < vus.size(); ++p) buts_[p] = vus[p] == OMEGA ? 0 : but(p);
     marquage_ = net_.initial;
     while (travail_ > 0) {
         const bool auDepart = course_.empty();
@@ -45,10 +46,10 @@ void Visites::aller(std::vector<Compte>& vus, const But& but, Tireur& tireur, st
             recommencer(tireur);
         } else if (const std::uint32_t place = proches_.front().second; atteindre(place)) {
             for (const auto& [prix, autre] : proches_)
-                if (vise_[autre]) suivreLePlan(autre, (*vus_)[autre] + 1);
+                if (vise(autre)) suivreLePlan(autre, (*vus_)[autre] + 1);
         } else {
             // There is a way from the start, or none.
-            vise_[place] = false;
+            buts_[place] = 0;
             if (!auDepart) remises_.push_back(place);
         }
     }
@@ -61,7 +62,7 @@ void Visites::recommencer(Tireur& tireur) {
         tireur.adopter(std::move(course_));
         for (const Cycle& c : cycles_) tireur.pomper(c.debut, c.fin);
     }
-    for (const std::uint32_t p : remises_) vise_[p] = (*vus_)[p] != OMEGA && (*but_)(p);
+    for (const std::uint32_t p : remises_) buts_[p] = (*vus_)[p] == OMEGA ? 0 : (*but_)(p);
     remises_.clear();
     course_.clear();
     cycles_.clear();
@@ -88,7 +89,7 @@ bool Visites::detendre(std::uint32_t but) {
         if (prix_[place].fixe) continue;
         fixer(place);
         if (place == but) return true;
-        if (but != AUCUNE || !vise_[place]) continue;
+        if (but != AUCUNE || !vise(place)) continue;
         const Cout total = cout * static_cast<Cout>(std::min<Compte>((*vus_)[place] + 1 - marquage_[place], PLAFOND));
         proches_.emplace_back(total, place);
         moindre = std::min(moindre, total);
@@ -149,9 +150,11 @@ bool Visites::atteindre(std::uint32_t place) {
     return false;
 }
 
-/// Fires what brings tokens to `place`, and before it what brings what that needs.
+/// Fires what brings tokens to `place`, and before it what brings what that needs; in bulk where it is known how many
+/// more than one the place is to be seen with.
 bool Visites::suivreLePlan(std::uint32_t place, Compte but) {
     const Cout cout = prix_[place].cout * static_cast<Cout>(std::min<Compte>(but - marquage_[place], PLAFOND));
+    const bool enMasse = enMasse_ && buts_[place] != OMEGA && buts_[place] > but;
     plan_.assign(1, prix_[place].source);
     for (Cout reste = std::min(cout, PLAFOND) * LARGESSE; reste > 0;) {
         const std::uint32_t tir = plan_.back();
@@ -163,7 +166,7 @@ bool Visites::suivreLePlan(std::uint32_t place, Compte but) {
             plan_.push_back(prix_[absente].source);
             continue;
         }
-        if (!tirer(tir)) return false;
+        if (!tirer(tir, enMasse ? repetitions(tir) : 1)) return false;
         if (marquage_[place] >= but) return true;
         --reste;
         if (plan_.size() > 1) plan_.pop_back();
@@ -180,19 +183,32 @@ std::uint32_t Visites::manque(std::uint32_t tir) const {
     return choix;
 }
 
+/// How often a transition that can be fired can be in a row, as long as every count fits; once where it takes nothing.
+Compte Visites::repetitions(std::uint32_t tir) const {
+    Compte fois = OMEGA;
+    bool prend = false;
+    for (const Poids& e : net_.transitions[tir].effet) {
+        const Compte ici = marquage_[e.place];
+        const Compte reste = ici - valeur(net_.transitions[tir].pre, e.place);
+        fois = std::min(fois, e.compte < 0 ? reste / -e.compte + 1 : (OMEGA - 1 - ici) / e.compte);
+        prend = prend || e.compte < 0;
+    }
+    return prend ? std::max<Compte>(fois, 1) : 1;
+}
+
 /// @return whether every count fits
-bool Visites::tirer(std::uint32_t tir) {
+bool Visites::tirer(std::uint32_t tir, Compte fois) {
     const Creux& effet = net_.transitions[tir].effet;
     depenser(effet.size());
     for (const Poids& e : effet)
         if (e.compte > 0 && marquage_[e.place] >= OMEGA - e.compte) return false;
-    for (const Poids& e : effet) marquage_[e.place] += e.compte;
+    for (const Poids& e : effet) marquage_[e.place] += e.compte * fois;
     const bool repetee = !course_.empty() && course_.back().elans[0].transition == tir &&
                          (cycles_.empty() || cycles_.back().fin < course_.size());
     if (repetee)
-        ++course_.back().elans[0].fois;
+        course_.back().elans[0].fois += fois;
     else
-        course_.push_back({{{tir, 1}}, 1});
+        course_.push_back({{{tir, fois}}, 1});
     for (const Poids& e : effet)
         if (marquage_[e.place] > (*vus_)[e.place]) voir(e.place);
     return true;
@@ -202,8 +218,8 @@ bool Visites::tirer(std::uint32_t tir) {
 void Visites::voir(std::uint32_t place) {
     Compte& vu = (*vus_)[place];
     vu = marquage_[place];
-    vise_[place] = (*but_)(place);
-    if (vise_[place]) pomper(place);
+    buts_[place] = (*but_)(place);
+    if (vise(place)) pomper(place);
 }
 
 /// Looks for an end of the walk that takes nothing and adds to `place`, so that it can be repeated for ever.
@@ -227,7 +243,7 @@ void Visites::pomper(std::uint32_t place) {
         for (const Poids& e : net_.transitions[course_[i].elans[0].transition].effet) {
             if (pompe && bilan_[e.place] > 0) {
                 (*vus_)[e.place] = OMEGA;
-                vise_[e.place] = false;
+                buts_[e.place] = 0;
             }
             bilan_[e.place] = 0;
         }

@@ -30,14 +30,16 @@ public:
     /// @param net must outlive it
     explicit Visites(const Net& net);
 
-    /// Whether a place that has been seen with vus[place] tokens is to be seen with more.
-    using But = std::function<bool(std::uint32_t place)>;
+    /// How many tokens a place is to be seen with, OMEGA where nothing is known; no more than vus[place] when it is
+    /// settled.
+    using But = std::function<Compte(std::uint32_t place)>;
 
     /// Walks until nothing is left to be seen, no way is found, or the work is done. The runs are handed to `tireur`,
     /// with the pumps in them.
     /// @param vus the largest count known to be reached, by place; kept up to date
     /// @param travail how many arcs may be looked at
-    void aller(std::vector<Compte>& vus, const But& but, Tireur& tireur, std::uint64_t travail);
+    /// @param enMasse whether all tokens are brought at once where it is known how many are asked for
+    void aller(std::vector<Compte>& vus, const But& but, Tireur& tireur, std::uint64_t travail, bool enMasse);
 
 private:
     static constexpr std::uint32_t AUCUNE = ~std::uint32_t{0};
@@ -68,7 +70,9 @@ private:
     bool atteindre(std::uint32_t place);
     bool suivreLePlan(std::uint32_t place, Compte but);
     std::uint32_t manque(std::uint32_t tir) const;
-    bool tirer(std::uint32_t tir);
+    Compte repetitions(std::uint32_t tir) const;
+    bool tirer(std::uint32_t tir, Compte fois);
+    bool vise(std::uint32_t place) const { return buts_[place] > (*vus_)[place]; }
     void voir(std::uint32_t place);
     void pomper(std::uint32_t place);
     bool depenser(std::size_t arcs);
@@ -78,8 +82,9 @@ private:
     std::size_t besoins_ = 0;  // of all transitions together
     std::vector<Compte>* vus_ = nullptr;
     const But* but_ = nullptr;
-    std::vector<bool> vise_;  // by place
+    std::vector<Compte> buts_;  // by place; 0 where it is not asked for any more
     std::uint64_t travail_ = 0;
+    bool enMasse_ = false;
 
     // The walk.
     std::vector<Compte> marquage_;

@@ -741,9 +741,41 @@ TEST(VisitesTest, WideTransitionsCostAsMuchAsTheyAreWide) {
     Reseau::Tireur tireur(net);
     std::vector<Compte> vus = net.initial;
     Reseau::Visites(net).aller(
-        vus, [](std::uint32_t) { return true; }, tireur, 20'000 * std::uint64_t{PLACES});
+        vus, [](std::uint32_t) { return OMEGA; }, tireur, 20'000 * std::uint64_t{PLACES}, false);
     EXPECT_EQ(tireur.minorants(), vus);
     EXPECT_EQ(std::count(vus.begin() + LARGES, vus.end(), 0), 0);
+}
+
+TEST(VisitesTest, AllTokensOfARingAreBroughtToEachPlaceAtOnce) {
+    constexpr std::uint32_t PLACES = 300;
+    constexpr Compte JETONS = 1'000'000'000;
+    Reseau::Net net;
+    net.places.resize(PLACES);
+    net.initial.assign(PLACES, 0);
+    net.initial[0] = JETONS;
+    for (std::uint32_t p = 0; p < PLACES; ++p) net.ajouter("t", {{p, 1}}, {{(p + 1) % PLACES, 1}});
+    Reseau::Tireur tireur(net);
+    std::vector<Compte> vus = net.initial;
+    Reseau::Visites(net).aller(
+        vus, [](std::uint32_t) { return JETONS; }, tireur, 20'000 * std::uint64_t{PLACES}, true);
+    EXPECT_EQ(vus, Comptes(PLACES, JETONS));
+    EXPECT_EQ(tireur.minorants(), vus);
+}
+
+/// Nets that are too large to be asked the state equation, and in which each place can hold all there is.
+TEST(GrandsNets, EveryTokenIsBroughtToEachOfThousandsOfPlaces) {
+    constexpr int PLACES = 3000;
+    std::ostringstream chaine;
+    std::ostringstream etoile;
+    for (int p = 0; p < PLACES; ++p) {
+        chaine << "tr t" << p << " p" << p << " -> p" << p + 1 << '\n';
+        etoile << "tr t" << p << " p0 -> p" << p + 1 << "\ntr u" << p << " p" << p + 1 << " -> p0\n";
+    }
+    for (const std::string& texte : {chaine.str(), etoile.str()}) {
+        std::istringstream in(texte + "pl p0 (1000000000)\n");
+        const Reseau::Net net = Reseau::lire(in, "essai");
+        EXPECT_EQ(Reseau::analyser(net, {}).bornes, Comptes(PLACES + 1, 1'000'000'000));
+    }
 }
 
 TEST(EquipeTest, EveryMemberDoesItsPartAndTheFirstErrorIsThrown) {
