@@ -3,8 +3,9 @@
 //
 // What is near, and by which way, tells a relaxation: firing takes nothing away, so that the cheapest way to one more
 // token of a place is worked out as shortest paths are. The transitions of the way are fired as far as they really can
-// be, what is missing first; where tokens that were counted on are gone, another way is worked out. Every run is fired,
-// so what it reaches is reached. It may find no run where there is one.
+// be, what is missing first; where tokens that were counted on are gone, another way is worked out. Where it is known
+// how many tokens a place can hold, all that can come that way are brought at once. Every run is fired, so what it
+// reaches is reached. It may find no run where there is one.
 //
 // Sources: B. Bonet, H. Geffner, "Planning as heuristic search", Artificial Intelligence 129 (2001), for the
 // relaxation and its costs; J. Hoffmann, B. Nebel, "The FF planning system", JAIR 14 (2001), for following its plans;
