@@ -32,6 +32,7 @@
 #include "Reseau/Reseau.h"
 #include "Reseau/Tir.h"
 #include "Reseau/Visite.h"
+#include "Verificateur.h"
 #include "reseau_familles.h"
 
 namespace {
@@ -763,18 +764,40 @@ TEST(VisitesTest, AllTokensOfARingAreBroughtToEachPlaceAtOnce) {
 }
 
 /// Nets that are too large to be asked the state equation, and in which each place can hold all there is.
-TEST(GrandsNets, EveryTokenIsBroughtToEachOfThousandsOfPlaces) {
-    constexpr int PLACES = 3000;
-    std::ostringstream chaine;
-    std::ostringstream etoile;
-    for (int p = 0; p < PLACES; ++p) {
-        chaine << "tr t" << p << " p" << p << " -> p" << p + 1 << '\n';
-        etoile << "tr t" << p << " p0 -> p" << p + 1 << "\ntr u" << p << " p" << p + 1 << " -> p0\n";
+class TransportsEnMasse : public testing::Test {
+protected:
+    static Reseau::Net lire(const std::string& texte) {
+        std::istringstream in(texte);
+        return Reseau::lire(in, "essai");
     }
-    for (const std::string& texte : {chaine.str(), etoile.str()}) {
-        std::istringstream in(texte + "pl p0 (1000000000)\n");
-        const Reseau::Net net = Reseau::lire(in, "essai");
-        EXPECT_EQ(Reseau::analyser(net, {}).bornes, Comptes(PLACES + 1, 1'000'000'000));
+    static std::string chaine(int places) {
+        std::ostringstream texte;
+        for (int p = 1; p < places; ++p) texte << "tr t" << p << " p" << p << " -> p" << p + 1 << '\n';
+        return texte.str() + "pl p1 (1000000000)\n";
+    }
+    static std::string etoile(int places) {
+        std::ostringstream texte;
+        for (int p = 2; p <= places; ++p)
+            texte << "tr t" << p << " p1 -> p" << p << "\ntr u" << p << " p" << p << " -> p1\n";
+        return texte.str() + "pl p1 (1000000000)\n";
+    }
+};
+
+TEST_F(TransportsEnMasse, EveryTokenIsBroughtToEachOfThousandsOfPlaces) {
+    constexpr int PLACES = 3000;
+    for (const std::string& texte : {chaine(PLACES), etoile(PLACES)})
+        EXPECT_EQ(Reseau::analyser(lire(texte), {}).bornes, Comptes(PLACES, 1'000'000'000));
+}
+
+TEST_F(TransportsEnMasse, WhatIsBroughtInBulkIsProved) {
+    constexpr int PLACES = 800;
+    for (const std::string& texte : {chaine(PLACES), etoile(PLACES)}) {
+        const Reseau::Net net = lire(texte);
+        const Reseau::Rapport rapport = Reseau::analyser(net, {.preuves = true});
+        EXPECT_EQ(rapport.bornes, Comptes(PLACES, 1'000'000'000));
+        std::ostringstream ecrit;
+        Reseau::ecrire(ecrit, net, rapport);
+        EXPECT_EQ(essai::verifier(texte, ecrit.str(), false), "");
     }
 }
 

@@ -215,6 +215,14 @@ TEST(GrandsNets, ARingOfTenThousandPlaces) {
     for (const auto& [place, borne] : bornes(net.str())) ASSERT_EQ(borne, 1) << place;
 }
 
+TEST(GrandsNets, ARingOfFiveThousandPlacesThatPumpsOne) {
+    std::ostringstream net;
+    for (int i = 0; i < 5000; ++i)
+        net << "tr t" << i << " p" << i << " -> p" << (i + 1) % 5000 << (i == 4999 ? " x\n" : "\n");
+    net << "pl p0 (1)\n";
+    for (const auto& [place, borne] : bornes(net.str())) ASSERT_EQ(borne, place == "x" ? Reseau::OMEGA : 1) << place;
+}
+
 TEST(GrandsNets, ATransmissionThroughFiveThousandBuffersOfWhichNoneIsBounded) {
     std::ostringstream net;
     familles::ecrire(net, std::ranges::find(familles::toutes(), "buffers", &familles::Famille::nom)->net(5000));
