@@ -28,6 +28,7 @@
 #include <vector>
 
 #include "Window.h"
+#include "common/Folder.h"
 
 namespace {
 
@@ -249,9 +250,8 @@ TEST_F(Description, ShowsTheHintOfTheActiveModeAlone) {
 
 // Where the program's own icons are not at hand, a loader still gets its window, and not a word of complaint.
 TEST(DescriptionAlone, LoadsAndShowsWithoutTheProgramsIcons) {
-    const std::filesystem::path folder = std::filesystem::path(testing::TempDir()) / "description-alone";
-    std::filesystem::create_directories(folder);
-    std::filesystem::copy_file(description, folder / "IHM.glade", std::filesystem::copy_options::overwrite_existing);
+    const Folder folder;
+    std::filesystem::copy_file(description, folder / "IHM.glade");
 
     std::vector<std::string> complaints;
     const auto collect = [](const gchar*, GLogLevelFlags level, const gchar* message, gpointer into) {
@@ -260,7 +260,7 @@ TEST(DescriptionAlone, LoadsAndShowsWithoutTheProgramsIcons) {
     };
     const GLogFunc before = g_log_set_default_handler(collect, &complaints);
     {
-        const auto builder = Gtk::Builder::create_from_file((folder / "IHM.glade").string());
+        const auto builder = Gtk::Builder::create_from_file(folder / "IHM.glade");
         Gtk::Window* window = nullptr;
         builder->get_widget("window1", window);
         window->show();

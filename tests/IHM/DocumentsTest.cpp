@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -12,13 +11,12 @@
 #include "EGD/EasyDrawingArea.h"
 #include "Modele/KLV.h"
 #include "Vue/Dessin.h"
+#include "common/Folder.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::SizeIs;
-
-namespace fs = std::filesystem;
 
 /// The fenced blocks of a document that are models: all but the grammar.
 std::vector<std::string> modelsIn(const std::string& document) {
@@ -39,10 +37,9 @@ std::vector<std::string> modelsIn(const std::string& document) {
 
 /// What the editor writes after reading `model`, its two sections line by line.
 std::vector<std::string> rewritten(const std::string& model) {
-    const fs::path path = fs::path(testing::TempDir()) / "printed.klv";
-    std::ofstream(path) << model;
+    const Folder folder;
     Controleur controller(nullptr, new Modele::KLV, new Vue::Dessin(new EGD::EasyDrawingArea));
-    EXPECT_TRUE(controller.parser(path));
+    EXPECT_TRUE(controller.parser(folder.write("printed.klv", model)));
 
     std::vector<std::string> lines;
     std::istringstream text(controller.toString());

@@ -23,6 +23,7 @@
 #include "Modele/Noeud.h"
 #include "Vue/Dessin.h"
 #include "Vue/Noeud.h"
+#include "common/Folder.h"
 
 namespace {
 
@@ -91,9 +92,8 @@ TEST_P(Example, IsTheSameAfterBeingSavedAndOpenedAgain) {
     const std::string saved = controller->toString();
     EXPECT_THAT(declarations(saved), SizeIs(Ge(4U)));
 
-    const fs::path copy = fs::path(testing::TempDir()) / (GetParam() + "-copy.klv");
-    std::ofstream(copy) << saved;
-    ASSERT_TRUE(controller->parser(copy));
+    const Folder folder;
+    ASSERT_TRUE(controller->parser(folder.write("copy.klv", saved)));
     EXPECT_EQ(declarations(controller->toString()), declarations(saved));
 }
 
