@@ -107,6 +107,13 @@ bool Resolution::reglee(std::uint32_t place) const {
            (abondance && abondance->majorants()[place] == borne(place));
 }
 
+/// Of all places, as far as they are known to be reached.
+std::vector<Compte> Resolution::bornes() const {
+    std::vector<Compte> resultat(net_.places.size());
+    for (std::uint32_t p = 0; p < resultat.size(); ++p) resultat[p] = borne(p);
+    return resultat;
+}
+
 std::size_t Resolution::restantes() const {
     std::size_t nombre = 0;
     for (std::uint32_t p = 0; p < net_.places.size(); ++p) nombre += reglee(p) ? 0 : 1;
@@ -123,7 +130,7 @@ void Resolution::visiterTantQueCaAvance(unsigned tour, const Options& options) {
         avance = apres * PROGRES < avant * (PROGRES - 1);
         if (plafonnee_) continue;
         plafonnee_ = plafonner(options.preuves);
-        avance = avance || plafonnee_;
+        avance = avance || *plafonnee_;
     }
 }
 
@@ -145,8 +152,7 @@ bool Resolution::viser() {
 /// Settles places by sets whose tokens never become more; one serves all its places that have been seen with all of
 /// them. The places that have not been seen marked come last: they are many, and few of them stand in an empty set.
 void Resolution::majorerParComposantes(bool preuves) {
-    std::vector<Compte> vus(net_.places.size());
-    for (std::uint32_t p = 0; p < vus.size(); ++p) vus[p] = borne(p);
+    std::vector<Compte> vus = bornes();
     std::uint64_t travail = COMPOSANTES;
     for (const bool vides : {false, true})
         for (std::uint32_t p = 0; p < vus.size(); ++p)
@@ -157,8 +163,7 @@ void Resolution::majorerParComposantes(bool preuves) {
 /// how many tokens are worth being brought there. One set of all places if there is one.
 /// @return whether there are any
 bool Resolution::plafonner(bool preuves) {
-    std::vector<Compte> vus(net_.places.size());
-    for (std::uint32_t p = 0; p < vus.size(); ++p) vus[p] = borne(p);
+    std::vector<Compte> vus = bornes();
     bool trouvee = false;
     const auto retenir = [&](const std::optional<Creux>& composante) {
         if (!composante || (preuves && composante->size() > DEMONTRABLE)) return;
@@ -195,8 +200,7 @@ bool Resolution::majorerParAbondance(std::uint64_t limite) {
 
 /// Goes to the places that are not settled, and settles by a set what has been seen with all of its tokens.
 void Resolution::visiter(unsigned tour, bool preuves) {
-    std::vector<Compte> vus(net_.places.size());
-    for (std::uint32_t p = 0; p < vus.size(); ++p) vus[p] = borne(p);
+    std::vector<Compte> vus = bornes();
     std::uint64_t travail = COMPOSANTES;
     const auto but = [&](std::uint32_t p) {
         if (abondance && abondance->majorants()[p] == vus[p]) return vus[p];
@@ -207,7 +211,7 @@ void Resolution::visiter(unsigned tour, bool preuves) {
         travail += part;
         return trouvee ? vus[p] : OMEGA;
     };
-    visites_->aller(vus, but, tireur, (VISITES * net_.places.size()) << tour, plafonnee_);
+    visites_->aller(vus, but, tireur, (VISITES * net_.places.size()) << tour, plafonnee_.value_or(false));
 }
 
 /// Goes on from where most is unbounded; and then, for each part of what is left of the net without all that is known

@@ -71,6 +71,7 @@ public:
 private:
     bool reglee(std::uint32_t place) const;
     std::size_t restantes() const;
+    std::vector<Compte> bornes() const;
     bool viser();
     bool plafonner(bool preuves);
     void visiterTantQueCaAvance(unsigned tour, const Options& options);
@@ -95,7 +96,7 @@ private:
     std::optional<Visites> visites_;          // from `finir` on
     std::optional<Phases> phases_;
     bool fini_ = false;
-    bool plafonnee_ = false;           // whether `plafonner` has found bounds
+    std::optional<bool> plafonnee_;    // whether `plafonner` has found bounds, once it has looked for them
     std::uint64_t prolonges_ = 0;      // markings expanded to go on from others
     std::vector<unsigned> questions_;  // put to the state equation, by place
 };
