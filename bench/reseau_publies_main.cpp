@@ -32,9 +32,8 @@
 #include "Reseau/Conservation.h"
 #include "Reseau/Couverture.h"
 #include "Reseau/Reseau.h"
-#include "Reseau/Simplexe.h"
 #include "a_part.h"
-#include "reseau_familles.h"
+#include "reseau_epreuves.h"
 #include "reseau_publies.h"
 
 namespace {
@@ -47,6 +46,7 @@ constexpr double LONG = 0.0001;        // seconds; less is little beside the sta
 struct Mesure {
     std::uint64_t taille = 0;
     std::uint64_t empreinte = 0;  // of the set
+    std::uint64_t bornes = 0;     // the same of the bounds
     std::uint64_t explores = SANS_LIMITE;
     double secondes = std::numeric_limits<double>::infinity();
     bool finie() const { return explores < SANS_LIMITE; }
@@ -57,6 +57,16 @@ std::uint64_t empreinte(const std::vector<etalon::Dense>& ensemble) {
     for (const etalon::Dense& m : ensemble)
         for (const Reseau::Compte c : m) h = (h ^ static_cast<std::uint64_t>(c)) * 0x9E3779B97F4A7C15U + (h >> 29);
     return h;
+}
+
+/// Keeps what there is to compare of a minimal coverability set, ascending.
+void retenir(Mesure& m, const std::vector<etalon::Dense>& ensemble) {
+    etalon::Dense bornes = ensemble.front();
+    for (const etalon::Dense& marquage : ensemble)
+        std::ranges::transform(bornes, marquage, bornes.begin(), [](auto a, auto b) { return std::max(a, b); });
+    m.taille = ensemble.size();
+    m.empreinte = empreinte(ensemble);
+    m.bornes = empreinte({bornes});
 }
 
 /// Calls f() until that has taken long enough.
@@ -95,15 +105,17 @@ Mesure explorer(const Reseau::Net& net) {
         for (const Reseau::Poids& p : creux) ensemble.back()[p.place] = p.compte;
     });
     std::ranges::sort(ensemble);
-    m.taille = ensemble.size();
-    m.empreinte = empreinte(ensemble);
+    retenir(m, ensemble);
     return m;
 }
 
 /// The verdict and all bounds; it has no set to compare.
 Mesure repondre(const Reseau::Net& net) {
     Mesure m;
-    m.secondes = chronometrer([&net, &m] { m.explores = Reseau::analyser(net, {.fils = 1}).explores; });
+    Reseau::Rapport rapport;
+    m.secondes = chronometrer([&] { rapport = Reseau::analyser(net, {.fils = 1}); });
+    m.explores = rapport.explores;
+    m.bornes = empreinte({rapport.bornes});
     return m;
 }
 
@@ -112,8 +124,7 @@ Mesure etalonner(const Reseau::Net& net, const etalon::Publiee& publiee, etalon:
     etalon::Construction construction;
     m.secondes = chronometrer([&] { construction = publiee.construire(net, ordre, SANS_LIMITE).value(); });
     m.explores = construction.explores;
-    m.taille = construction.maximaux.size();
-    m.empreinte = empreinte(construction.maximaux);
+    retenir(m, construction.maximaux);
     return m;
 }
 
@@ -141,7 +152,7 @@ Mesure mesurer(const Reseau::Net& net, const etalon::Publiee& publiee, double se
         const Mesure m = mesurer([&] { return etalonner(net, publiee, ordre); }, secondes);
         if (!m.finie()) continue;
         if (meilleure.finie() && m.empreinte != meilleure.empreinte) std::abort();
-        meilleure = {m.taille, m.empreinte, std::min(meilleure.explores, m.explores),
+        meilleure = {m.taille, m.empreinte, m.bornes, std::min(meilleure.explores, m.explores),
                      std::min(meilleure.secondes, m.secondes)};
     }
     return meilleure;
@@ -179,18 +190,20 @@ public:
         std::printf("\n");
     }
 
-    /// @return whether all constructions agree
-    bool comparer(const std::string& genre, const std::string& nom, int n, const Reseau::Net& net) {
+    /// @return whether all constructions agree, and the answer with them
+    bool comparer(const familles::Epreuve& e) {
+        const Reseau::Net& net = e.net;
         const Mesure reponse = mesurer([&net] { return repondre(net); }, secondes_);
         std::vector<Mesure> mesures{mesurer([&net] { return explorer(net); }, secondes_)};
         for (const etalon::Publiee& p : etalon::publiees()) mesures.push_back(mesurer(net, p, secondes_));
         const auto une = std::ranges::find_if(mesures, &Mesure::finie);
         if (une == mesures.end()) return true;
         const bool accord =
+            (!reponse.finie() || reponse.bornes == une->bornes) &&
             std::ranges::all_of(mesures, [&](const Mesure& m) { return !m.finie() || m.empreinte == une->empreinte; });
         const auto autres = std::next(mesures.begin());
         const Mesure& ici = mesures.front();
-        Bilan& bilan = bilans_[genre];
+        Bilan& bilan = bilans_[e.genre];
         const bool plus =
             std::any_of(autres, mesures.end(), [&](const Mesure& m) { return m.explores < ici.explores; });
         const double autre = std::ranges::min_element(autres, mesures.end(), {}, &Mesure::secondes)->secondes;
@@ -203,7 +216,7 @@ public:
         bilan.longs += autre >= LONG;
         bilan.avant += autre >= LONG && !tard;
         bilan.ajouter(ici.explores, std::ranges::min_element(autres, mesures.end(), {}, &Mesure::explores)->explores);
-        std::printf("%-16s %10d | %5zu %5zu | %8lu | ", nom.c_str(), n, net.places.size(), net.transitions.size(),
+        std::printf("%-16s %10d | %5zu %5zu | %8lu | ", e.nom.c_str(), e.n, net.places.size(), net.transitions.size(),
                     static_cast<unsigned long>(une->taille));
         if (reponse.finie())
             std::printf("%9.6f", reponse.secondes);
@@ -238,27 +251,6 @@ private:
     std::map<std::string, Bilan> bilans_;
 };
 
-/// Whether no initial marking makes the net unbounded: some weights 1 + y of the places are raised by no transition.
-/// What is too much to work out is taken for it and left out.
-bool structurellementBorne(const Reseau::Net& net) {
-    std::uint64_t travail = 100'000'000;
-    Reseau::Simplexe s(static_cast<std::uint32_t>(net.places.size()), &travail);
-    for (const Reseau::Transition& t : net.transitions) {
-        Reseau::Large constante = 0;
-        Reseau::Simplexe::Forme forme;
-        for (const Reseau::Poids& e : t.effet) {
-            constante -= e.compte;
-            forme.emplace_back(e.place, -e.compte);
-        }
-        s.contraindre(constante, forme);
-    }
-    try {
-        return s.maximiser({}) == Reseau::Simplexe::Issue::OPTIMUM;
-    } catch (const Reseau::Abandon&) {
-        return true;
-    }
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -266,19 +258,8 @@ int main(int argc, char** argv) {
     const int graines = argc > 2 ? std::atoi(argv[2]) : 20;
     Comparaison comparaison(secondes);
     comparaison.entete();
-    for (const familles::Famille& f : familles::toutes())
-        for (const int n : f.parametres)
-            if (!comparaison.comparer("families", f.nom, n, f.net(n))) return 1;
-    for (int places = 15; places <= 95; places += 10)
-        for (int graine = 100; graine < 100 + graines; ++graine)
-            if (!comparaison.comparer("random", "random", 1000 * graine + places, familles::auHasard(places, graine)))
-                return 1;
-    for (int graine = 0, nets = 0; nets < 5 * graines; ++graine) {
-        const Reseau::Net net = familles::dense(graine);
-        if (structurellementBorne(net)) continue;
-        ++nets;
-        if (!comparaison.comparer("dense random", "dense random", graine, net)) return 1;
-    }
+    if (!familles::pourChaqueEpreuve(graines, [&](const familles::Epreuve& e) { return comparaison.comparer(e); }))
+        return 1;
     comparaison.conclure();
     return 0;
 }
