@@ -1,6 +1,6 @@
 // More yardsticks: constructions of the minimal coverability set as their papers tell them, with dense markings and
-// lists that are searched from end to end. They share nothing with the analyser but the net, and neither one another's
-// way of pruning. Each takes its frontier in one of the orders that its paper measures.
+// lists that are searched from end to end. They share nothing with the analyser but the net, nor do they share one
+// another's way of pruning. Each takes its frontier in one of the orders that its paper measures.
 #pragma once
 
 #include <cstdint>

@@ -11,8 +11,7 @@
 //              transition t is never fired; or it is, and what it needs is there when it is fired for the first or the
 //              last time.
 //   order      transition t is never fired; or u is not; or the first or last firing of t comes before that of u; or
-//   after
-//              it; and either time what they need is there.
+//              behind it; and either time what they need is there.
 //   round      no distinction: what follows from the constraints in force because firing counts are integers.
 #pragma once
 

@@ -56,6 +56,15 @@ class Ending(editor.EditorTest):
         self.assertNotEqual(ended.returncode, 0)
         self.assertIn("IHM.glade", ended.stderr)
 
+    def test_a_widget_that_its_window_description_lacks_is_named(self):
+        description = self.folder / "IHM.glade"
+        text = description.read_text()
+        description.unlink()
+        description.write_text(text.replace('id="toolSave"', 'id="other"'))
+        ended = subprocess.run([editor.paths.klv], cwd=self.folder, capture_output=True, text=True, timeout=editor.DEADLINE)
+        self.assertEqual(ended.returncode, 1)
+        self.assertIn("klv: IHM.glade has no widget toolSave", ended.stderr)
+
 
 if __name__ == "__main__":
     editor.main()

@@ -1,6 +1,7 @@
 // The real window under a random user, beside a model of the editor written from its rules alone; see Editor.h for what
 // is compared after every event.
 //
+//     export LSAN_OPTIONS=suppressions=$PWD/tests/lsan.supp
 //     KLV_GESTES=1000000 KLV_GESTES_SEED=7 xvfb-run build-asan/tests/gestes/gestes_test --gtest_filter='*Random*'
 //
 // plays a million events of the random user 7. A sequence that fails is printed, shrunk, as a file for sequences/,
