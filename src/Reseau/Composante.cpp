@@ -27,10 +27,40 @@ std::optional<Creux> Composantes::chercher(std::uint32_t place, Compte borne, co
 
 std::optional<Creux> Composantes::couvrir(const std::vector<Compte>& vus, Compte plusLourd, std::uint64_t& travail) {
     Creux toutes;
-    for (std::uint32_t p = 0; p < net_.places.size(); ++p) toutes.push_back({p, 1});
+    for (const std::uint32_t p : avalDabord()) toutes.push_back({p, 1});
     toutes_ = true;
     plusLourd_ = plusLourd;
     return depuis(toutes, OMEGA - 1, vus, travail, travail);
+}
+
+/// All places, those that tokens come to before those that they come from, but for circles: so what the places ahead
+/// weigh is known when a transition is looked at that feeds them, and each is looked at once.
+std::vector<std::uint32_t> Composantes::avalDabord() const {
+    const auto places = static_cast<std::uint32_t>(net_.places.size());
+    std::vector<std::uint32_t> ordre;
+    std::vector<bool> vus(places + net_.transitions.size(), false);  // places, and then transitions
+    std::vector<std::pair<std::uint32_t, std::size_t>> pile;         // with the arcs gone along
+    const auto entrer = [&](std::uint32_t noeud) {
+        if (!vus[noeud]) pile.emplace_back(noeud, 0);
+        vus[noeud] = true;
+    };
+    for (std::uint32_t p = 0; p < places; ++p)
+        for (entrer(p); !pile.empty();) {
+            auto& [noeud, arc] = pile.back();
+            if (noeud >= places) {
+                const Creux& effet = net_.transitions[noeud - places].effet;
+                if (arc == effet.size())
+                    pile.pop_back();
+                else if (const Poids& e = effet[arc++]; e.compte > 0)
+                    entrer(e.place);
+            } else if (arc == arcs_[noeud].size()) {
+                ordre.push_back(noeud);
+                pile.pop_back();
+            } else if (const Arc& a = arcs_[noeud][arc++]; a.effet < 0) {
+                entrer(places + a.transition);
+            }
+        }
+    return ordre;
 }
 
 /// The set that grows from `germe`, whose first place it is to bound.

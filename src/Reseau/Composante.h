@@ -54,6 +54,7 @@ private:
 
     std::optional<Creux> depuis(const Creux& germe, Compte borne, const std::vector<Compte>& vus, std::uint64_t plus,
                                 std::uint64_t& travail);
+    std::vector<std::uint32_t> avalDabord() const;
     bool completer(const std::vector<Compte>& vus);
     bool propager(const std::vector<Compte>& vus);
     std::vector<Poids> candidates(std::uint32_t transition, const std::vector<Compte>& vus);

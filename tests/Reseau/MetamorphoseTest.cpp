@@ -223,6 +223,22 @@ TEST(GrandsNets, ARingOfFiveThousandPlacesThatPumpsOne) {
     for (const auto& [place, borne] : bornes(net.str())) ASSERT_EQ(borne, place == "x" ? Reseau::OMEGA : 1) << place;
 }
 
+/// A place weighs as much as all that comes behind it, whichever transition is looked at first.
+TEST(GrandsNets, AChainThatLeavesATokenAtEachStepIsBoundedInWhateverOrderItStands) {
+    std::vector<std::string> lignes;
+    for (int i = 0; i < 3000; ++i) {
+        const std::string n = std::to_string(i);
+        lignes.push_back("tr t" + n + " c" + n + " -> c" + std::to_string(i + 1) + " d" + n + "\n");
+    }
+    for (int ordre = 0; ordre < 2; ++ordre) {
+        std::string texte = "pl c0 (2)\n";
+        for (const std::string& ligne : lignes) texte += ligne;
+        std::istringstream net(texte);
+        EXPECT_TRUE(Reseau::analyser(Reseau::lire(net, "essai"), {.verdictSeul = true}).bornee);
+        std::ranges::reverse(lignes);
+    }
+}
+
 TEST(GrandsNets, ATransmissionThroughFiveThousandBuffersOfWhichNoneIsBounded) {
     std::ostringstream net;
     familles::ecrire(net, std::ranges::find(familles::toutes(), "buffers", &familles::Famille::nom)->net(5000));
