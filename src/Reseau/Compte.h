@@ -28,6 +28,15 @@ inline bool accumuler(Large& somme, Large a, Large b) {
     return !__builtin_mul_overflow(a, b, &terme) && !__builtin_add_overflow(somme, terme, &somme);
 }
 
+/// The hash of some counts and one more.
+inline std::uint64_t hacher(std::uint64_t hache, Compte c) {
+    const std::uint64_t h = (hache ^ static_cast<std::uint64_t>(c)) * 0x9E3779B97F4A7C15U;
+    return h ^ (h >> 29);
+}
+
+/// a / b for b > 0, rounded down.
+inline Large plancher(Large a, Large b) { return a / b - (a % b < 0 ? 1 : 0); }
+
 /// a + b, where a may be OMEGA (then so is the sum) and b is finite.
 /// @throws Debordement when the sum of finite counts does not fit.
 inline Compte somme(Compte a, Compte b) {

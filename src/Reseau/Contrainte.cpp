@@ -33,9 +33,6 @@ void ajouter(Large& somme, Large y, Large c) {
     if (!accumuler(somme, y, c)) throw Abandon();
 }
 
-/// a / b for b > 0, rounded down.
-Large plancher(Large a, Large b) { return a / b - (a % b < 0 ? 1 : 0); }
-
 /// The weighted sum of the places when the transition of `cas` is fired for the first or the last time, at the most.
 Contrainte aLInstant(const Net& net, const Cas& cas) {
     Contrainte c;

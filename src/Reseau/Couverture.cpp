@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstddef>
+#include <unordered_map>
 #include <utility>
 
 namespace Reseau {
@@ -210,6 +212,7 @@ void Couverture::suivre(const Creux& depart, const std::vector<std::uint32_t>& t
 void Couverture::avancer(std::uint32_t tir) {
     lignee_.suivre(arbre_, *champs_, noeud_);
     connues_ = 0;
+    accelerations_.partirDe(parent_);
     tirs_.assign(1, tir);
     std::vector<std::uint32_t> pompes;
     tirer(tir, pompes);
@@ -342,28 +345,42 @@ Creux Couverture::temoin(std::uint32_t place) const {
     return champs().creux(meilleur.data());
 }
 
-std::vector<Creux> Couverture::plusLarges(const std::vector<std::uint32_t>& places) const {
-    using Etendue = std::pair<std::size_t, std::vector<Mot>>;
-    std::map<std::vector<Compte>, Etendue> parRestriction;
+std::vector<Creux> Couverture::plusLarges(const std::vector<std::uint32_t>& places, std::size_t nombre) const {
+    struct Etendue {
+        std::size_t omegas = 0;
+        const std::uint8_t* garde = nullptr;  // where the marking is kept
+    };
+    std::unordered_map<std::uint64_t, Etendue> parRestriction;  // by its hash; of two with the same one is left out
     std::vector<Mot> m(champs().mots());
-    std::vector<Compte> restriction(places.size());
+    std::vector<Mot> connu(champs().mots());
     parcourir([&](const std::uint8_t* garde) {
         champs().reprendre(garde, m.data());
-        for (std::size_t i = 0; i < places.size(); ++i) restriction[i] = champs().lire(m.data(), places[i]);
         std::size_t omegas = 0;
         champs().pourChaqueMarquee(m.data(), [&](std::uint32_t p) { omegas += champs().lire(m.data(), p) == OMEGA; });
         if (omegas == 0) return;
-        Etendue& ici = parRestriction[restriction];
-        if (ici.first < omegas || (ici.first == omegas && champs().precede(m.data(), ici.second.data())))
-            ici = {omegas, m};
+        std::uint64_t empreinte = 0;
+        for (const std::uint32_t p : places) empreinte = hacher(empreinte, champs().lire(m.data(), p));
+        Etendue& ici = parRestriction[empreinte];
+        if (ici.omegas == omegas) champs().reprendre(ici.garde, connu.data());
+        if (ici.omegas < omegas || (ici.omegas == omegas && champs().precede(m.data(), connu.data())))
+            ici = {omegas, garde};
     });
     std::vector<Etendue> larges;
     larges.reserve(parRestriction.size());
-    for (auto& [ou, large] : parRestriction) larges.push_back(std::move(large));
-    std::ranges::stable_sort(larges, std::greater(), &Etendue::first);
+    for (const auto& [empreinte, large] : parRestriction) larges.push_back(large);
+    const auto devance = [&](const Etendue& a, const Etendue& b) {
+        if (a.omegas != b.omegas) return a.omegas > b.omegas;
+        return std::ranges::lexicographical_compare(
+            places, places, {}, [&](std::uint32_t p) { return champs().lire(a.garde, p); },
+            [&](std::uint32_t p) { return champs().lire(b.garde, p); });
+    };
+    const auto fin = larges.begin() + static_cast<std::ptrdiff_t>(std::min(nombre, larges.size()));
+    std::partial_sort(larges.begin(), fin, larges.end(), devance);
     std::vector<Creux> resultat;
-    resultat.reserve(larges.size());
-    for (const Etendue& l : larges) resultat.push_back(champs().creux(l.second.data()));
+    for (auto l = larges.begin(); l != fin; ++l) {
+        champs().reprendre(l->garde, m.data());
+        resultat.push_back(champs().creux(m.data()));
+    }
     return resultat;
 }
 

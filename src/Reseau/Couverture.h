@@ -91,8 +91,8 @@ public:
     /// Of all that has been kept the marking with the most omegas, then the most marked places, then the most tokens.
     const Creux& plusLarge() const { return plusLarge_; }
     /// Of the maximal markings that are the same in these places, and hold some omega, that with the most omegas each;
-    /// those with the most omegas first.
-    std::vector<Creux> plusLarges(const std::vector<std::uint32_t>& places) const;
+    /// so many of these as are asked for, those with the most omegas first.
+    std::vector<Creux> plusLarges(const std::vector<std::uint32_t>& places, std::size_t nombre) const;
     /// The run from the initial marking to a maximal one, when the tree is kept.
     std::vector<Pas> chemin(const Creux& marquage) const;
     const Accelerations& accelerations() const { return accelerations_; }

@@ -27,7 +27,6 @@ public:
     /// Puts each transition on the watch at that place among its needs which was marked in the fewest markings.
     void guetter(const std::vector<std::uint64_t>& marquee);
 
-    std::uint32_t nombre() const { return static_cast<std::uint32_t>(tirs_.size()); }
     /// Whether `m` enables the transition.
     bool permis(std::uint32_t t, const Mot* m) const {
         for (std::uint32_t i = tirs_[t].besoins; i < tirs_[t].effets; ++i)

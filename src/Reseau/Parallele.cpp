@@ -14,9 +14,6 @@ namespace {
 
 constexpr std::uint32_t AUCUN = ~std::uint32_t{0};
 
-/// a / b for b > 0, rounded down.
-Large plancher(Large a, Large b) { return a / b - (a % b < 0 ? 1 : 0); }
-
 class Classement {
 public:
     explicit Classement(const Net& net)
@@ -25,7 +22,7 @@ public:
             for (const Poids& e : t.effet) diviseurs_[e.place] = std::gcd(diviseurs_[e.place], e.compte);
         for (std::uint32_t t = 0; t < net.transitions.size(); ++t)
             for (const Poids& e : net.transitions[t].effet)
-                empreintes_[e.place] = melanger(melanger(empreintes_[e.place], t), e.compte / diviseurs_[e.place]);
+                empreintes_[e.place] = hacher(hacher(empreintes_[e.place], t), e.compte / diviseurs_[e.place]);
     }
 
     Compte diviseur(std::uint32_t p) const { return diviseurs_[p]; }
@@ -37,10 +34,6 @@ public:
 private:
     using Ligne = std::vector<std::pair<std::uint32_t, Compte>>;  // changes in lowest terms, by transition
 
-    static std::uint64_t melanger(std::uint64_t h, std::int64_t n) {
-        h = (h ^ static_cast<std::uint64_t>(n)) * 0x9E3779B97F4A7C15U;
-        return h ^ (h >> 29);
-    }
     std::vector<std::uint32_t> candidats() const;
 
     const Net& net_;

@@ -27,10 +27,7 @@ constexpr double PERDU = 8;          // digits, for a transition that cannot be 
 
 std::uint64_t empreinte(const std::vector<Compte>& v) {
     std::uint64_t h = 0;
-    for (const Compte c : v) {
-        h = (h ^ static_cast<std::uint64_t>(c)) * 0x9E3779B97F4A7C15U;
-        h ^= h >> 29;
-    }
+    for (const Compte c : v) h = hacher(h, c);
     return h;
 }
 

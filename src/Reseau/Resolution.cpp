@@ -224,8 +224,8 @@ bool Resolution::prolonger(std::uint64_t limite) {
     std::size_t essais = 0;
     for (const std::vector<std::uint32_t>& places : partiesSansOmegas(net_, couverture.maxima())) {
         if (std::ranges::all_of(places, [this](std::uint32_t p) { return majorations[p] || reglee(p); })) continue;
-        for (const Creux& depart : couverture.plusLarges(places)) {
-            if (essais++ == PROLONGEMENTS) return viser();
+        for (const Creux& depart : couverture.plusLarges(places, PROLONGEMENTS - essais)) {
+            ++essais;
             prolongerDe(depart, limite);
         }
     }

@@ -402,7 +402,7 @@ TEST(CouvertureTest, TheWidestMarkingIsToldForEachLocation) {
     const Reseau::Net net = Reseau::lire(texte, "essai");  // a, m, b, n
     Reseau::Couverture couverture(net, 1);
     ASSERT_TRUE(couverture.explorer(SANS_LIMITE, false));
-    const auto larges = couverture.plusLarges({0, 2});
+    const auto larges = couverture.plusLarges({0, 2}, 3);
     ASSERT_EQ(larges.size(), 2U);
     const auto omegas = [](std::uint32_t ou) { return Reseau::Creux{{ou, 1}, {1, OMEGA}, {3, OMEGA}}; };
     Reseau::Creux enB{{1, OMEGA}, {2, 1}, {3, OMEGA}};
@@ -583,7 +583,7 @@ TEST(FranchissementTest, TheUsefulTransitionsAreThoseThatAScanOfAllFinds) {
             std::vector<std::uint32_t> utiles;
             franchissement.utiles(m.data(), utiles);
             std::vector<std::uint32_t> attendues;
-            for (std::uint32_t t = 0; t < franchissement.nombre(); ++t)
+            for (std::uint32_t t = 0; t < lu.transitions.size(); ++t)
                 if (franchissement.utile(t, m.data())) attendues.push_back(t);
             ASSERT_EQ(utiles, attendues) << net.texte();
             std::vector<std::uint64_t> marquee(comptes.size());
