@@ -47,7 +47,7 @@ private:
 void preceder(const Suite& s, Compte fois, std::vector<Compte>& besoin) {
     for (std::size_t p = 0; p < besoin.size(); ++p) {
         const Compte perdu = s.effet[p] < 0 ? produit(fois - 1, -s.effet[p]) : 0;
-        besoin[p] = std::max(somme(s.besoin[p], perdu), somme(besoin[p], -produit(fois, s.effet[p])));
+        besoin[p] = std::max(somme(s.besoin[p], perdu), somme(besoin[p], produit(fois, -s.effet[p])));
     }
 }
 

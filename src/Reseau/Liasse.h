@@ -1,6 +1,6 @@
-// A growing array of packed markings of one size, in which no more than one place in sixteen (but always one) is room
-// to grow. It lies in pieces of memory whose sizes are multiples of a grain: where many grow side by side, what one
-// has outgrown then fits the next one, and the allocator is left with few sizes to keep apart.
+// A growing array of packed markings of one size. Growing leaves one place in 32 (but always one) as room, shrinking no
+// more than one in five and a few. It lies in pieces of memory whose sizes are multiples of a grain: where many grow
+// side by side, what one has outgrown then fits the next one, and the allocator is left with few sizes to keep apart.
 #pragma once
 
 #include <cstdint>
@@ -32,11 +32,6 @@ public:
         allonger(octets, grain);
         std::memmove(en(i + 1, octets), en(i, octets), (taille_ - 1 - i) * octets);
         return en(i, octets);
-    }
-    /// Makes room for so many in all.
-    /// @throws std::bad_alloc
-    void prevoir(std::uint32_t place, std::size_t octets, std::size_t grain = GRAIN) {
-        if (place > place_) retailler(place, octets, grain);
     }
     /// Drops everything and keeps the room.
     void vider() { taille_ = 0; }

@@ -103,7 +103,7 @@ Rapport analyser(const Net& net, const Options& options) {
         reduction.restituer(rapport.bornes);
         rapport.marquages = assemblage.marquages();
     }
-    rapport.certificat = certificat.str();
+    rapport.certificat = std::move(certificat).str();
     return rapport;
 }
 

@@ -58,8 +58,8 @@ public:
     Tireur tireur;
     /// The state equation, once it has been asked.
     std::optional<Majorants> majorants;
-    /// The upper bounds found without exploration, by place; each with its proof when proofs are asked for. What has
-    /// none is bounded by the complete coverability set.
+    /// The upper bounds found without exploration, by place; each with its proof, those by sets of places only when
+    /// proofs are asked for. What has none is bounded by the complete coverability set.
     std::vector<std::optional<Majoration>> majorations;
     /// What is found when large counts are taken for unbounded, once it has been asked.
     std::optional<Abondance> abondance;

@@ -3,8 +3,6 @@
 #include "Reseau/Simplexe.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <limits>
 #include <numeric>
 

@@ -31,7 +31,7 @@ void appliquer(const Transition& t, Compte fois, std::vector<Compte>& m) {
 }
 
 bool deplace(const Transition& t) {
-    return t.effet.size() == 2 && t.effet[0].compte + t.effet[1].compte == 0 && std::abs(t.effet[0].compte) == 1;
+    return t.effet.size() == 2 && t.effet[0].compte == -t.effet[1].compte && std::abs(t.effet[0].compte) == 1;
 }
 
 }  // namespace
@@ -76,7 +76,6 @@ void Tireur::realiser(const std::vector<Compte>& comptes, std::uint32_t place, C
 bool Tireur::essayer(const std::vector<Compte>& comptes, std::uint64_t graine) {
     marquage_ = net_.initial;
     reste_ = comptes;
-    comptes_ = comptes;
     credit_.assign(comptes.size(), 0);
     trace_.clear();
     course_.clear();
@@ -140,8 +139,7 @@ bool Tireur::laisseUnChemin(std::uint32_t tir) {
 }
 
 /// How much an attempt likes a transition: the more firings are left; or the earlier it can be fired at all, so that
-/// what produces is done before what consumes; or the less of its firings is done, so that all keep pace; or by a
-/// random ranking.
+/// what produces is done before what consumes; or by a random ranking.
 std::uint64_t Tireur::rang(std::uint32_t t, std::uint64_t graine) const {
     switch (graine / 2) {
         case 0:

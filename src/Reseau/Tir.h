@@ -105,10 +105,9 @@ private:
 
     // The attempt under way.
     std::vector<Compte> marquage_;
-    std::vector<Compte> comptes_;  // firings to be made in all, by transition
-    std::vector<Compte> reste_;    // firings still to be made, by transition
-    std::vector<Compte> credit_;   // firings that may be made besides
-    std::uint64_t reserve_ = 0;    // what this attempt may still spend
+    std::vector<Compte> reste_;   // firings still to be made, by transition
+    std::vector<Compte> credit_;  // firings that may be made besides
+    std::uint64_t reserve_ = 0;   // what this attempt may still spend
     std::vector<Elan> trace_;
     Course course_;
     std::uint32_t place_ = 0;

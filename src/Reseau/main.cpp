@@ -102,7 +102,7 @@ int analyser(const Commande& commande) {
     std::ostringstream texte;
     texte.exceptions(std::ios::badbit);  // or it would swallow that memory runs out
     Reseau::ecrire(texte, net, rapport);
-    return ecrireTout(texte.str());
+    return ecrireTout(std::move(texte).str());
 }
 
 /// Reads the command line; when that already settles the exit status, the status is in `statut`.

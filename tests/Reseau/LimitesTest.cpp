@@ -73,6 +73,8 @@ TEST(LimitesEnMasse, RunsInBulkReachTheLargestCountAndNoMore) {
         EXPECT_EQ(bornes("tr t a -> b*3\npl a (" + TIERS + ")\n", essai),
                   (Bornes{{"a", PLUS_GRAND / 3}, {"b", PLUS_GRAND}}));
         EXPECT_EQ(bornes("tr t a -> b*3\npl a (" + TIERS + ")\npl b (1)\n", essai), std::nullopt);
+        EXPECT_EQ(bornes("tr t a*2 -> b\ntr u b*4611686018427387904 s -> c\npl a (" + M + ")\npl s (1)\n", essai),
+                  (Bornes{{"a", PLUS_GRAND}, {"s", 1}, {"b", PLUS_GRAND / 2}, {"c", 0}}));
         EXPECT_EQ(bornes("tr t p a -> p b*2\npl a (" + MOITIE + ")\npl p (1)\n", essai),
                   (Bornes{{"a", PLUS_GRAND / 2}, {"b", PLUS_GRAND}, {"p", 1}}));
         EXPECT_EQ(bornes("tr t p a -> p b*2\npl a (" + MOITIE + ")\npl p (1)\npl b (1)\n", essai), std::nullopt);
