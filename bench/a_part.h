@@ -2,9 +2,11 @@
 #pragma once
 
 #include <sys/resource.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cmath>
 #include <exception>
 #include <optional>
 #include <type_traits>
@@ -16,6 +18,14 @@ inline void limiter(rlim_t secondes, rlim_t auPlus) {
     setrlimit(RLIMIT_CPU, &temps);
     const rlimit memoire{rlim_t{4} << 30, rlim_t{4} << 30};
     setrlimit(RLIMIT_AS, &memoire);
+}
+
+/// After so many seconds of processor time the process is ended by a signal, also when it has become another program.
+inline void finirApres(double secondes) {
+    itimerval reveil{};
+    reveil.it_value.tv_sec = static_cast<time_t>(secondes);
+    reveil.it_value.tv_usec = static_cast<suseconds_t>((secondes - std::floor(secondes)) * 1e6);
+    setitimer(ITIMER_PROF, &reveil, nullptr);
 }
 
 /// What `mesure()` returns in a process of its own; nothing when it threw or its process was ended.

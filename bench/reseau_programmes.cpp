@@ -9,13 +9,11 @@
 //
 // and at the end on how many nets of each kind the analyser comes before every published one. All verdicts must agree.
 #include <fcntl.h>
-#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -28,6 +26,8 @@
 #include <utility>
 #include <vector>
 
+#include "a_part.h"
+#include "common/Folder.h"
 #include "reseau_epreuves.h"
 #include "reseau_familles.h"
 #include "reseau_publies.h"
@@ -37,31 +37,11 @@ namespace {
 constexpr double JAMAIS = std::numeric_limits<double>::infinity();
 constexpr double ASSEZ = 0.1;  // seconds; what has run for so long is not run again
 
-/// Where the programs, the nets and the answers stand.
-class Dossier {
-public:
-    Dossier() {
-        std::string modele = std::filesystem::temp_directory_path() / "programmes-XXXXXX";
-        if (mkdtemp(modele.data()) == nullptr) throw std::runtime_error("no temporary directory");
-        chemin_ = modele;
-    }
-    Dossier(const Dossier&) = delete;
-    Dossier& operator=(const Dossier&) = delete;
-    ~Dossier() {
-        std::error_code ignoree;
-        std::filesystem::remove_all(chemin_, ignoree);
-    }
-    /// A copy of a program. What the linker has just written lies in memory in small pieces, and starts later.
-    std::string copier(const std::string& programme, const std::string& nom) const {
-        std::filesystem::copy_file(programme, chemin_ / nom);
-        return chemin_ / nom;
-    }
-    std::string net() const { return chemin_ / "net"; }
-    std::string reponse() const { return chemin_ / "answer"; }
-
-private:
-    std::filesystem::path chemin_;
-};
+/// A copy of a program. What the linker has just written lies in memory in small pieces, and starts later.
+std::string copier(const std::string& programme, const std::string& copie) {
+    std::filesystem::copy_file(programme, copie);
+    return copie;
+}
 
 /// A command line, and what has been seen of it.
 class Programme {
@@ -69,15 +49,16 @@ public:
     explicit Programme(std::vector<std::string> commande) : commande_(std::move(commande)) {}
 
     /// Runs it once more, unless it has run long enough or was ended by its limit.
-    void lancer(const Dossier& dossier, double limite) {
+    /// @param reponse the file that takes what it writes
+    void lancer(const std::string& reponse, double limite) {
         if (abandonne_ || total_ > ASSEZ) return;
-        const double secondes = courir(dossier, limite);
+        const double secondes = courir(reponse, limite);
         abandonne_ = secondes == JAMAIS;
         total_ += secondes;
         if (secondes >= secondes_) return;
         secondes_ = secondes;
-        std::ifstream reponse(dossier.reponse());
-        std::getline(reponse, verdict_);
+        std::ifstream lue(reponse);
+        std::getline(lue, verdict_);
     }
 
     /// The least of its runs; JAMAIS when it does not end.
@@ -85,19 +66,16 @@ public:
     const std::string& verdict() const { return verdict_; }
 
 private:
-    double courir(const Dossier& dossier, double limite) const {
+    double courir(const std::string& reponse, double limite) const {
         std::vector<char*> arguments;
         for (const std::string& a : commande_) arguments.push_back(const_cast<char*>(a.c_str()));
         arguments.push_back(nullptr);
-        const int sortie = open(dossier.reponse().c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        const int sortie = open(reponse.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
         if (sortie < 0) throw std::runtime_error("cannot write answers");
-        itimerval reveil{};
-        reveil.it_value.tv_sec = static_cast<time_t>(limite);
-        reveil.it_value.tv_usec = static_cast<suseconds_t>((limite - std::floor(limite)) * 1e6);
         const auto debut = std::chrono::steady_clock::now();
         const pid_t enfant = fork();
         if (enfant == 0) {
-            setitimer(ITIMER_PROF, &reveil, nullptr);  // which the program that is run next inherits
+            finirApres(limite);
             dup2(sortie, STDOUT_FILENO);
             execv(arguments[0], arguments.data());
             _exit(127);
@@ -118,11 +96,11 @@ private:
 };
 
 /// Each construction in each of its orders.
-std::vector<Programme> publies(const std::string& programme, const Dossier& dossier) {
+std::vector<Programme> publies(const std::string& programme, const std::string& net) {
     std::vector<Programme> resultat;
     for (std::size_t p = 0; p < etalon::publiees().size(); ++p)
         for (std::size_t o = 0; o < etalon::publiees()[p].ordres.size(); ++o)
-            resultat.emplace_back(std::vector{programme, std::to_string(p), std::to_string(o), dossier.net()});
+            resultat.emplace_back(std::vector{programme, std::to_string(p), std::to_string(o), net});
     return resultat;
 }
 
@@ -146,15 +124,15 @@ public:
     /// @return whether the verdicts agree
     bool comparer(const familles::Epreuve& e) {
         {
-            std::ofstream net(dossier_.net());
+            std::ofstream net(net_);
             familles::ecrire(net, e.net);
         }
-        std::vector<Programme> analyseur{Programme({analyseur_, "-C", "-g", dossier_.net()})};
-        std::vector<Programme> autres = publies(publie_, dossier_);
-        std::vector<Programme> statiques = publies(publieStatique_, dossier_);
+        std::vector<Programme> analyseur{Programme({analyseur_, "-C", "-g", net_})};
+        std::vector<Programme> autres = publies(publie_, net_);
+        std::vector<Programme> statiques = publies(publieStatique_, net_);
         for (int tour = 0; tour < tours_; ++tour)
             for (std::vector<Programme>* programmes : {&analyseur, &autres, &statiques})
-                for (Programme& p : *programmes) p.lancer(dossier_, secondes_);
+                for (Programme& p : *programmes) p.lancer(reponse_, secondes_);
         const double ici = laPlusVite(analyseur);
         const double autre = laPlusVite(autres);
         const double statique = laPlusVite(statiques);
@@ -182,10 +160,12 @@ public:
 private:
     double secondes_;
     int tours_;
-    Dossier dossier_;
-    std::string analyseur_ = dossier_.copier(TINA, "analyser");
-    std::string publie_ = dossier_.copier(PUBLIE, "published");
-    std::string publieStatique_ = dossier_.copier(PUBLIE_STATIQUE, "published-static");
+    Folder dossier_;
+    std::string net_ = dossier_ / "net";
+    std::string reponse_ = dossier_ / "answer";
+    std::string analyseur_ = copier(TINA, dossier_ / "analyser");
+    std::string publie_ = copier(PUBLIE, dossier_ / "published");
+    std::string publieStatique_ = copier(PUBLIE_STATIQUE, dossier_ / "published-static");
     std::map<std::string, Bilan> bilans_;
 };
 

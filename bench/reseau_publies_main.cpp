@@ -14,8 +14,6 @@
 // is faster than each; on how many the whole answer is faster than each, also of those on which every other one takes a
 // tenth of a millisecond or more; and of those that it and another one finish, the totals of the nodes, and the
 // geometric mean of its nodes to the fewest of the others, both of one more.
-#include <sys/time.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -128,18 +126,10 @@ Mesure etalonner(const Reseau::Net& net, const etalon::Publiee& publiee, etalon:
     return m;
 }
 
-/// A process that is still running after so much processor time is ended by the signal.
-void limiterA(double secondes) {
-    limiter(RLIM_INFINITY, RLIM_INFINITY);
-    itimerval reveil{};
-    reveil.it_value.tv_sec = static_cast<time_t>(secondes);
-    reveil.it_value.tv_usec = static_cast<suseconds_t>((secondes - std::floor(secondes)) * 1e6);
-    setitimer(ITIMER_PROF, &reveil, nullptr);
-}
-
 Mesure mesurer(const std::function<Mesure()>& quoi, double secondes) {
     return aPart([&] {
-               limiterA(secondes);
+               limiter(RLIM_INFINITY, RLIM_INFINITY);
+               finirApres(secondes);
                return quoi();
            })
         .value_or(Mesure{});
