@@ -51,9 +51,8 @@ public:
     /// Runs it once more, unless it has run long enough or was ended by its limit.
     /// @param reponse the file that takes what it writes
     void lancer(const std::string& reponse, double limite) {
-        if (abandonne_ || total_ > ASSEZ) return;
+        if (total_ > ASSEZ) return;
         const double secondes = courir(reponse, limite);
-        abandonne_ = secondes == JAMAIS;
         total_ += secondes;
         if (secondes >= secondes_) return;
         secondes_ = secondes;
@@ -90,8 +89,7 @@ private:
 
     std::vector<std::string> commande_;
     double secondes_ = JAMAIS;
-    double total_ = 0;
-    bool abandonne_ = false;
+    double total_ = 0;  // JAMAIS once its limit has ended it
     std::string verdict_;
 };
 
