@@ -223,6 +223,7 @@ bool Resolution::prolonger(std::uint64_t limite) {
     }
     std::size_t essais = 0;
     for (const std::vector<std::uint32_t>& places : partiesSansOmegas(net_, couverture.maxima())) {
+        if (essais == PROLONGEMENTS) break;
         if (std::ranges::all_of(places, [this](std::uint32_t p) { return majorations[p] || reglee(p); })) continue;
         for (const Creux& depart : couverture.plusLarges(places, PROLONGEMENTS - essais)) {
             ++essais;
