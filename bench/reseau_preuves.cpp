@@ -38,15 +38,14 @@ Mesure prouver(const Reseau::Net& net, unsigned secondes) {
     Mesure m;
     limiter(secondes, RLIM_INFINITY);
     std::clock_t debut = std::clock();
-    std::ostringstream rapport;
     const Reseau::Rapport r = Reseau::analyser(net, {.preuves = true, .fils = 1});
-    Reseau::ecrire(rapport, net, r);
-    m = {.repondue = true, .bornee = r.bornee, .octets = rapport.str().size(), .reponse = secondesDepuis(debut)};
+    const std::string rapport = Reseau::ecrire(net, r);
+    m = {.repondue = true, .bornee = r.bornee, .octets = rapport.size(), .reponse = secondesDepuis(debut)};
     std::signal(SIGXCPU, SIG_IGN);
     std::ostringstream texte;
     familles::ecrire(texte, net);
     debut = std::clock();
-    const std::string faute = essai::verifier(texte.str(), rapport.str(), false);
+    const std::string faute = essai::verifier(texte.str(), rapport, false);
     m.verification = secondesDepuis(debut);
     std::snprintf(m.faute, sizeof m.faute, "%s", faute.c_str());
     return m;

@@ -1,7 +1,8 @@
 // The analyser beside the published constructions as a user runs them: each a program that is started, reads the net
 // from a file, and writes its answer. `reseau_programmes [SECONDS [SEEDS [RUNS]]]` takes the nets of `reseau_publies`,
 // gives each program SECONDS (0.2) of processor time, and prints for each net that some construction finishes the
-// milliseconds from the start of the program to its end, the least of RUNS (15) runs, the programs taking turns:
+// milliseconds from the start of the program to its end, the least of RUNS (15) runs. The programs take turns in an
+// order drawn anew each time, as one that has just been run starts sooner:
 //
 //   analyser    `tina`, which is linked statically, since that makes it start sooner
 //   published   the fastest of the three constructions, each in its faster order, linked as programs mostly are
@@ -20,6 +21,7 @@
 #include <fstream>
 #include <limits>
 #include <map>
+#include <random>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -128,9 +130,13 @@ public:
         std::vector<Programme> analyseur{Programme({analyseur_, "-C", "-g", net_})};
         std::vector<Programme> autres = publies(publie_, net_);
         std::vector<Programme> statiques = publies(publieStatique_, net_);
-        for (int tour = 0; tour < tours_; ++tour)
-            for (std::vector<Programme>* programmes : {&analyseur, &autres, &statiques})
-                for (Programme& p : *programmes) p.lancer(reponse_, secondes_);
+        std::vector<Programme*> tous;
+        for (std::vector<Programme>* programmes : {&analyseur, &autres, &statiques})
+            for (Programme& p : *programmes) tous.push_back(&p);
+        for (int tour = 0; tour < tours_; ++tour) {
+            std::ranges::shuffle(tous, hasard_);
+            for (Programme* p : tous) p->lancer(reponse_, secondes_);
+        }
         const double ici = laPlusVite(analyseur);
         const double autre = laPlusVite(autres);
         const double statique = laPlusVite(statiques);
@@ -158,6 +164,7 @@ public:
 private:
     double secondes_;
     int tours_;
+    std::mt19937 hasard_;
     Folder dossier_;
     std::string net_ = dossier_ / "net";
     std::string reponse_ = dossier_ / "answer";

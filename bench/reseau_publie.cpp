@@ -6,6 +6,7 @@
 #include <exception>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <limits>
 #include <string>
 
@@ -18,7 +19,8 @@ int main(int argc, char** argv) {
         const etalon::Publiee& publiee = etalon::publiees().at(std::stoul(argv[1]));
         const etalon::Ordre ordre = publiee.ordres.at(std::stoul(argv[2]));
         std::ifstream fichier(argv[3]);
-        const Reseau::Net net = Reseau::lire(fichier, argv[3]);
+        const std::string texte{std::istreambuf_iterator<char>(fichier), {}};
+        const Reseau::Net net = Reseau::lire(texte, argv[3]);
         const auto ensemble =
             publiee.construire(net, ordre, std::numeric_limits<std::uint64_t>::max()).value().maximaux;
         const bool bornee = std::ranges::none_of(

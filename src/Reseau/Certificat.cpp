@@ -15,15 +15,9 @@ namespace Reseau {
 
 namespace {
 
-std::string decimal(Large n) {
-    if (n < 0) return "-" + decimal(-n);
-    if (n >= 10) return decimal(n / 10) + static_cast<char>('0' + static_cast<int>(n % 10));
-    return std::string(1, static_cast<char>('0' + static_cast<int>(n)));
-}
-
 class Redacteur {
 public:
-    Redacteur(std::ostream& out, const Net& net, const Partie& partie, const Resolution& resolution)
+    Redacteur(Texte& out, const Net& net, const Partie& partie, const Resolution& resolution)
         : out_(out), net_(net), partie_(partie), resolution_(resolution) {}
 
     void rediger(bool verdictSeul);
@@ -50,7 +44,7 @@ private:
     void multiplicateurs(const Multiplicateurs& y);
     void arbre(const Majoration& majoration);
 
-    std::ostream& out_;
+    Texte& out_;
     const Net& net_;
     const Partie& partie_;
     const Resolution& resolution_;
@@ -231,12 +225,12 @@ void Redacteur::multiplicateurs(const Multiplicateurs& multiples) {
             out_ << ' ' << place(contrainte);
         else
             out_ << " *" << contrainte - places;
-        out_ << '*' << decimal(y);
+        out_ << '*' << y;
     }
 }
 
 void Redacteur::arbre(const Majoration& majoration) {
-    out_ << "most " << decimal(majoration.borne);
+    out_ << "most " << majoration.borne;
     if (majoration.passages.empty()) {
         out_ << " by cases\n";
     } else {
@@ -277,11 +271,11 @@ void Redacteur::arbre(const Majoration& majoration) {
                 }
                 break;
             case Cas::COUPE:
-                out_ << "round " << decimal(cas.facteur);
+                out_ << "round " << cas.facteur;
                 multiplicateurs(cas.multiplicateurs);
                 break;
             case Cas::BORNE:
-                out_ << "close " << decimal(cas.facteur) << ' ' << decimal(cas.total);
+                out_ << "close " << cas.facteur << ' ' << cas.total;
                 multiplicateurs(cas.multiplicateurs);
                 break;
         }
@@ -327,7 +321,7 @@ void Redacteur::rediger(bool verdictSeul) {
 
 }  // namespace
 
-void certifier(std::ostream& out, const Net& net, const Reduction& reduction) {
+void certifier(Texte& out, const Net& net, const Reduction& reduction) {
     for (const Reduction::Etape& etape : reduction.etapes()) {
         if (const auto* mortes = std::get_if<Mortes>(&etape)) {
             out << "dead";
@@ -342,8 +336,7 @@ void certifier(std::ostream& out, const Net& net, const Reduction& reduction) {
     }
 }
 
-void certifier(std::ostream& out, const Net& net, const Partie& partie, const Resolution& resolution,
-               bool verdictSeul) {
+void certifier(Texte& out, const Net& net, const Partie& partie, const Resolution& resolution, bool verdictSeul) {
     Redacteur(out, net, partie, resolution).rediger(verdictSeul);
 }
 

@@ -83,19 +83,18 @@
 // T's and U's own, of which it is known.
 #pragma once
 
-#include <ostream>
-
 #include "Reseau/Net.h"
 #include "Reseau/Parties.h"
 #include "Reseau/Reduction.h"
 #include "Reseau/Resolution.h"
+#include "Reseau/Texte.h"
 
 namespace Reseau {
 
 /// Writes the certificate of a reduction of `net`.
-void certifier(std::ostream& out, const Net& net, const Reduction& reduction);
+void certifier(Texte& out, const Net& net, const Reduction& reduction);
 
 /// Writes the certificate of one part that has been taken to its end.
-void certifier(std::ostream& out, const Net& net, const Partie& partie, const Resolution& resolution, bool verdictSeul);
+void certifier(Texte& out, const Net& net, const Partie& partie, const Resolution& resolution, bool verdictSeul);
 
 }  // namespace Reseau

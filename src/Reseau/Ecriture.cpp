@@ -1,8 +1,11 @@
 #include "Reseau/Ecriture.h"
 
+#include "Reseau/Texte.h"
+
 namespace Reseau {
 
-void ecrire(std::ostream& out, const Net& net, const Rapport& rapport) {
+std::string ecrire(const Net& net, const Rapport& rapport) {
+    Texte out;
     out << (rapport.bornee ? "the net is bounded\n" : "the net is not bounded\n");
     std::size_t numero = 0;
     for (const Creux& marquage : rapport.marquages) {
@@ -17,6 +20,7 @@ void ecrire(std::ostream& out, const Net& net, const Rapport& rapport) {
         out << '\n';
     }
     out << rapport.certificat;
+    return std::move(out).prendre();
 }
 
 }  // namespace Reseau

@@ -3,7 +3,7 @@
 // reader, holds names as they are.)
 #pragma once
 
-#include <ostream>
+#include <string>
 
 #include "Reseau/Net.h"
 #include "Reseau/Reseau.h"
@@ -11,6 +11,6 @@
 namespace Reseau {
 
 /// The verdict line and the marking lines, "LABEL : place place*count ...", "*w" for OMEGA; then the certificate.
-void ecrire(std::ostream& out, const Net& net, const Rapport& rapport);
+std::string ecrire(const Net& net, const Rapport& rapport);
 
 }  // namespace Reseau

@@ -2,8 +2,8 @@
 // Nothing is guessed: what is not understood is an error with its line.
 #include "Reseau/Lecture.h"
 
+#include <algorithm>
 #include <charconv>
-#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -13,6 +13,7 @@ namespace Reseau {
 
 namespace {
 
+/// What it has read is told apart by names that lie in the text: that stays where it is until the end.
 class Lecteur {
 public:
     explicit Lecteur(std::string source) : source_(std::move(source)) {}
@@ -25,22 +26,23 @@ private:
         throw ErreurDeLecture(source_ + ":" + std::to_string(numero_) + ": " + quoi);
     }
 
-    std::vector<std::string_view> mots(std::string_view ligne) const;
+    void decouper(std::string_view ligne);
     std::size_t finDuNom(std::string_view mot) const;
     Compte nombre(std::string_view chiffres, const char* quoi) const;
     std::uint32_t place(std::string_view nom);
     Poids arc(std::string_view mot);
 
-    void lireNet(const std::vector<std::string_view>& m);
-    void lireTransition(const std::vector<std::string_view>& m);
-    void lirePlace(const std::vector<std::string_view>& m);
+    void lireNet();
+    void lireTransition();
+    void lirePlace();
 
     std::string source_;
     std::size_t numero_ = 0;
     Net net_;
     bool nomme_ = false;
-    std::unordered_map<std::string, std::uint32_t> numeros_;
-    std::unordered_set<std::string> transitions_;
+    std::vector<std::string_view> mots_;  // of the line
+    std::unordered_map<std::string_view, std::uint32_t> numeros_;
+    std::unordered_set<std::string_view> transitions_;
     std::unordered_set<std::uint32_t> declarees_;
 };
 
@@ -48,8 +50,8 @@ bool estBlanc(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\v' |
 
 /// Words end at a blank outside braces. "(5)" may stand against the name before it or apart, so a "(" begins
 /// a word.
-std::vector<std::string_view> Lecteur::mots(std::string_view ligne) const {
-    std::vector<std::string_view> resultat;
+void Lecteur::decouper(std::string_view ligne) {
+    mots_.clear();
     std::size_t i = 0;
     while (i < ligne.size()) {
         if (estBlanc(ligne[i])) {
@@ -70,9 +72,8 @@ std::vector<std::string_view> Lecteur::mots(std::string_view ligne) const {
         } else {
             while (i < ligne.size() && !estBlanc(ligne[i]) && ligne[i] != '(') ++i;
         }
-        resultat.push_back(ligne.substr(debut, i - debut));
+        mots_.push_back(ligne.substr(debut, i - debut));
     }
-    return resultat;
 }
 
 /// The length of the name that `mot` begins with: up to a "*", or the closing brace.
@@ -94,7 +95,7 @@ Compte Lecteur::nombre(std::string_view chiffres, const char* quoi) const {
 }
 
 std::uint32_t Lecteur::place(std::string_view nom) {
-    const auto [i, neuve] = numeros_.try_emplace(std::string(nom), static_cast<std::uint32_t>(net_.places.size()));
+    const auto [i, neuve] = numeros_.try_emplace(nom, static_cast<std::uint32_t>(net_.places.size()));
     if (neuve) {
         net_.places.emplace_back(nom);
         net_.initial.push_back(0);
@@ -113,41 +114,42 @@ Poids Lecteur::arc(std::string_view mot) {
     return {place(mot.substr(0, fin)), poids};
 }
 
-void Lecteur::lireNet(const std::vector<std::string_view>& m) {
+void Lecteur::lireNet() {
     if (nomme_) erreur("the net already has a name");
-    if (m.size() > 2) erreur("one name expected after \"net\"");
+    if (mots_.size() > 2) erreur("one name expected after \"net\"");
     nomme_ = true;
-    if (m.size() == 2) net_.nom = m[1];
+    if (mots_.size() == 2) net_.nom = mots_[1];
 }
 
-void Lecteur::lireTransition(const std::vector<std::string_view>& m) {
-    if (m.size() < 2 || m[1] == "->" || finDuNom(m[1]) != m[1].size())
+void Lecteur::lireTransition() {
+    if (mots_.size() < 2 || mots_[1] == "->" || finDuNom(mots_[1]) != mots_[1].size())
         erreur("a transition name expected after \"tr\"");
-    if (!transitions_.insert(std::string(m[1])).second)
-        erreur("the transition \"" + std::string(m[1]) + "\" is declared twice");
+    if (!transitions_.insert(mots_[1]).second)
+        erreur("the transition \"" + std::string(mots_[1]) + "\" is declared twice");
     Creux cotes[2];
     int cote = 0;
-    for (std::size_t i = 2; i < m.size(); ++i) {
-        if (m[i] != "->")
-            cotes[cote].push_back(arc(m[i]));
+    for (std::size_t i = 2; i < mots_.size(); ++i) {
+        if (mots_[i] != "->")
+            cotes[cote].push_back(arc(mots_[i]));
         else if (++cote > 1)
             erreur("a second \"->\"");
     }
     if (cote == 0) erreur("\"->\" expected");
     try {
-        net_.ajouter(std::string(m[1]), std::move(cotes[0]), std::move(cotes[1]));
+        net_.ajouter(std::string(mots_[1]), std::move(cotes[0]), std::move(cotes[1]));
     } catch (const Debordement&) {
         erreur("the weights of one place do not fit in 64 bits together");
     }
 }
 
-void Lecteur::lirePlace(const std::vector<std::string_view>& m) {
-    if (m.size() < 2 || m[1][0] == '(' || finDuNom(m[1]) != m[1].size()) erreur("a place name expected after \"pl\"");
-    const std::uint32_t p = place(m[1]);
-    if (!declarees_.insert(p).second) erreur("the place \"" + std::string(m[1]) + "\" is declared twice");
-    if (m.size() == 2) return;
-    const std::string_view jetons = m[2];
-    if (m.size() > 3 || !jetons.starts_with('(') || !jetons.ends_with(')'))
+void Lecteur::lirePlace() {
+    if (mots_.size() < 2 || mots_[1][0] == '(' || finDuNom(mots_[1]) != mots_[1].size())
+        erreur("a place name expected after \"pl\"");
+    const std::uint32_t p = place(mots_[1]);
+    if (!declarees_.insert(p).second) erreur("the place \"" + std::string(mots_[1]) + "\" is declared twice");
+    if (mots_.size() == 2) return;
+    const std::string_view jetons = mots_[2];
+    if (mots_.size() > 3 || !jetons.starts_with('(') || !jetons.ends_with(')'))
         erreur("\"(TOKENS)\" expected after the place");
     std::string_view dedans = jetons.substr(1, jetons.size() - 2);
     while (!dedans.empty() && estBlanc(dedans.front())) dedans.remove_prefix(1);
@@ -157,27 +159,26 @@ void Lecteur::lirePlace(const std::vector<std::string_view>& m) {
 
 void Lecteur::lireLigne(std::string_view ligne) {
     ++numero_;
-    const std::vector<std::string_view> m = mots(ligne);
-    if (m.empty()) return;
-    if (m[0] == "net")
-        lireNet(m);
-    else if (m[0] == "tr")
-        lireTransition(m);
-    else if (m[0] == "pl")
-        lirePlace(m);
+    decouper(ligne);
+    if (mots_.empty()) return;
+    if (mots_[0] == "net")
+        lireNet();
+    else if (mots_[0] == "tr")
+        lireTransition();
+    else if (mots_[0] == "pl")
+        lirePlace();
     else
-        erreur("\"net\", \"tr\" or \"pl\" expected, not \"" + std::string(m[0]) + "\"");
+        erreur("\"net\", \"tr\" or \"pl\" expected, not \"" + std::string(mots_[0]) + "\"");
 }
 
 }  // namespace
 
-Net lire(std::istream& in, const std::string& source) {
+Net lire(std::string_view texte, const std::string& source) {
     Lecteur lecteur(source);
-    in.exceptions(std::ios::badbit);  // or it would swallow that memory runs out
-    try {
-        for (std::string ligne; std::getline(in, ligne);) lecteur.lireLigne(ligne);
-    } catch (const std::ios::failure&) {
-        throw ErreurDeLecture(source + ": cannot be read");
+    while (!texte.empty()) {
+        const std::size_t fin = std::min(texte.find('\n'), texte.size());
+        lecteur.lireLigne(texte.substr(0, fin));
+        texte.remove_prefix(std::min(fin + 1, texte.size()));
     }
     return lecteur.finir();
 }

@@ -1,9 +1,9 @@
 // Reads a net from its textual form.
 #pragma once
 
-#include <istream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "Reseau/Net.h"
 
@@ -20,12 +20,11 @@ struct ErreurDeLecture : std::runtime_error {
 ///     tr NAME [PLACE | PLACE*WEIGHT]... -> [PLACE | PLACE*WEIGHT]...
 ///     pl NAME [(TOKENS)]
 ///
-/// From a word that begins with "#" on, the line is a comment. A name is any run of characters without blanks
-/// and without
-/// "*", "(" and ")", or anything between braces, which belong to the name. A place that only transitions
+/// From a word that begins with "#" on, the line is a comment. A name is any run of characters without blanks and
+/// without "*", "(" and ")", or anything between braces, which belong to the name. A place that only transitions
 /// mention starts empty; a weight or a count may be 0.
 /// @param source what messages call the text, a file name for instance
-/// @throws ErreurDeLecture on a malformed text, and when the stream itself fails
-Net lire(std::istream& in, const std::string& source);
+/// @throws ErreurDeLecture on a malformed text
+Net lire(std::string_view texte, const std::string& source);
 
 }  // namespace Reseau

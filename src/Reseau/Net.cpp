@@ -3,6 +3,7 @@
 #include "Reseau/Net.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace Reseau {
@@ -11,19 +12,20 @@ namespace {
 
 void normaliser(Creux& cote) {
     std::ranges::sort(cote, {}, &Poids::place);
-    Creux uni;
+    auto fin = cote.begin();
     for (const Poids& p : cote) {
         if (p.compte == 0) continue;
-        if (!uni.empty() && uni.back().place == p.place)
-            uni.back().compte = somme(uni.back().compte, p.compte);
+        if (fin != cote.begin() && std::prev(fin)->place == p.place)
+            std::prev(fin)->compte = somme(std::prev(fin)->compte, p.compte);
         else
-            uni.push_back(p);
+            *fin++ = p;
     }
-    cote = std::move(uni);
+    cote.erase(fin, cote.end());
 }
 
 Creux difference(const Creux& post, const Creux& pre) {
     Creux d;
+    d.reserve(post.size() + pre.size());
     auto a = post.begin();
     auto b = pre.begin();
     while (a != post.end() || b != pre.end()) {

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <sstream>
 #include <utility>
 
 #include "Reseau/Certificat.h"
@@ -82,8 +81,7 @@ Rapport analyser(const Net& net, const Options& options) {
         if (options.verdictSeul && !rapport.bornee) break;
     }
     Assemblage assemblage(net, reduction);
-    std::ostringstream certificat;
-    certificat.exceptions(std::ios::badbit);  // or it would swallow that memory runs out
+    Texte certificat;
     if (options.preuves) certifier(certificat, net, reduction);
     if (!options.verdictSeul) rapport.bornes = net.initial;
     for (std::size_t i = 0; i < resolutions.size(); ++i) {
@@ -103,7 +101,7 @@ Rapport analyser(const Net& net, const Options& options) {
         reduction.restituer(rapport.bornes);
         rapport.marquages = assemblage.marquages();
     }
-    rapport.certificat = std::move(certificat).str();
+    rapport.certificat = std::move(certificat).prendre();
     return rapport;
 }
 

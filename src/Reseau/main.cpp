@@ -1,6 +1,7 @@
 // The program: `tina [-C] [-a] [-g] [-v] [FILE]`. It answers in full or not at all: the report is written when the
 // analysis is done, and whatever goes wrong is a message on standard error and an exit status, never half a
 // report.
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 #include <cerrno>
@@ -8,12 +9,11 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
-#include <fstream>
-#include <iostream>
 #include <new>
 #include <optional>
-#include <sstream>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include "Reseau/Ecriture.h"
 #include "Reseau/Lecture.h"
@@ -49,7 +49,7 @@ struct Commande {
 };
 
 int echec(const std::string& message) {
-    std::cerr << "tina: " << message << '\n';
+    std::fprintf(stderr, "tina: %s\n", message.c_str());
     return STATUT_ERREUR;
 }
 
@@ -82,27 +82,33 @@ void limiterMemoire() {
 #endif
 }
 
-int ecrireTout(const std::string& texte) {
-    std::cout << texte << std::flush;
-    if (std::cout) return 0;
-    if (errno == EPIPE) return 0;  // the reader has heard enough
-    return echec(std::string("cannot write the report: ") + std::strerror(errno));
+int ecrireTout(std::string_view texte) {
+    while (!texte.empty()) {
+        const ssize_t ecrits = write(STDOUT_FILENO, texte.data(), texte.size());
+        if (ecrits < 0 && errno == EPIPE) return 0;  // the reader has heard enough
+        if (ecrits < 0) return echec(std::string("cannot write the report: ") + std::strerror(errno));
+        texte.remove_prefix(static_cast<std::size_t>(ecrits));
+    }
+    return 0;
+}
+
+/// @param nom the file's; none: standard input
+Reseau::Net lireNet(const std::optional<std::string>& nom) {
+    const int fichier = nom ? open(nom->c_str(), O_RDONLY | O_CLOEXEC) : STDIN_FILENO;
+    if (fichier < 0) throw std::runtime_error("cannot open " + *nom + ": " + std::strerror(errno));
+    const std::string source = nom.value_or("<stdin>");
+    std::string texte;
+    char bloc[4096];
+    ssize_t lus = 0;
+    while ((lus = read(fichier, bloc, sizeof bloc)) > 0) texte.append(bloc, static_cast<std::size_t>(lus));
+    if (lus < 0) throw std::runtime_error(source + ": cannot be read");
+    close(fichier);
+    return Reseau::lire(texte, source);
 }
 
 int analyser(const Commande& commande) {
-    Reseau::Net net;
-    if (commande.fichier) {
-        std::ifstream fichier(*commande.fichier);
-        if (!fichier) return echec("cannot open " + *commande.fichier + ": " + std::strerror(errno));
-        net = Reseau::lire(fichier, *commande.fichier);
-    } else {
-        net = Reseau::lire(std::cin, "<stdin>");
-    }
-    const Reseau::Rapport rapport = Reseau::analyser(net, commande.options);
-    std::ostringstream texte;
-    texte.exceptions(std::ios::badbit);  // or it would swallow that memory runs out
-    Reseau::ecrire(texte, net, rapport);
-    return ecrireTout(std::move(texte).str());
+    const Reseau::Net net = lireNet(commande.fichier);
+    return ecrireTout(Reseau::ecrire(net, Reseau::analyser(net, commande.options)));
 }
 
 /// Reads the command line; when that already settles the exit status, the status is in `statut`.
@@ -137,7 +143,6 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     limiterMemoire();
     try {
-        std::ios::sync_with_stdio(false);
         std::optional<int> statut;
         const Commande commande = lireCommande(argc, argv, statut);
         return statut ? *statut : analyser(commande);

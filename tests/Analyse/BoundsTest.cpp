@@ -8,7 +8,6 @@
 #include <map>
 #include <optional>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 #include <vector>
 
@@ -242,8 +241,7 @@ std::optional<Exploration> explore(const Successors& successors, std::size_t lim
 
 /// The same two answers from the analyser, without the molecule places that are never marked.
 Exploration analyse(const std::string& text) {
-    std::istringstream in(text);
-    const Reseau::Net net = Reseau::lire(in, "net");
+    const Reseau::Net net = Reseau::lire(text, "net");
     Exploration result{Reseau::analyser(net, {.verdictSeul = true}).bornee, {}, 0};
     const Reseau::Rapport report = Reseau::analyser(net, {});
     EXPECT_EQ(report.bornee, result.isBounded) << "one question, two answers";

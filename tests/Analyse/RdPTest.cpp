@@ -265,8 +265,7 @@ Side sideOf(const Reseau::Net& net, const Reseau::Creux& tokens) {
 using Transitions = std::multiset<std::pair<Side, Side>>;
 
 Transitions readTransitions(const std::string& text) {
-    std::istringstream in(text);
-    const Reseau::Net net = Reseau::lire(in, "net");
+    const Reseau::Net net = Reseau::lire(text, "net");
     Transitions transitions;
     for (const Reseau::Transition& t : net.transitions) transitions.emplace(sideOf(net, t.pre), sideOf(net, t.post));
     return transitions;

@@ -22,11 +22,8 @@ void PrintTo(const Famille& famille, std::ostream* out) { *out << famille.nom; }
 namespace {
 
 std::string rapport(const std::string& net, const Reseau::Options& options) {
-    std::istringstream texte(net);
-    const Reseau::Net lu = Reseau::lire(texte, "essai");
-    std::ostringstream out;
-    Reseau::ecrire(out, lu, Reseau::analyser(lu, options));
-    return out.str();
+    const Reseau::Net lu = Reseau::lire(net, "essai");
+    return Reseau::ecrire(lu, Reseau::analyser(lu, options));
 }
 
 void certifie(const std::string& net) {

@@ -10,7 +10,6 @@
 #include <algorithm>
 #include <bitset>
 #include <map>
-#include <sstream>
 
 #include "Outils.h"
 #include "Reseau/Lecture.h"
@@ -72,8 +71,7 @@ void verifierMarquages(const essai::Net& net, const Reseau::Net& lu, const Resea
 }
 
 void verifier(const essai::Net& net, Bilan& bilan) {
-    std::istringstream texte(net.texte());
-    const Reseau::Net lu = Reseau::lire(texte, "essai");
+    const Reseau::Net lu = Reseau::lire(net.texte(), "essai");
     const Reseau::Rapport rapport = Reseau::analyser(lu, {});
     const bool bornee = Reseau::analyser(lu, {.verdictSeul = true}).bornee;
     const Reseau::Rapport autrement = Reseau::analyser(lu, {.essai = 0});

@@ -345,8 +345,7 @@ TEST(CouvertureTest, RoomIsMadeForTheSuccessorsOfAMarkingAtOnce) {
     texte << "tr retour d -> c\npl c (1)\n";
     for (int i = 0; i < N; ++i)
         texte << "tr t" << i << " c a" << i << " -> d p" << i << '*' << 1000 + i << "\npl a" << i << " (1)\n";
-    std::istringstream in(texte.str());
-    const Reseau::Net net = Reseau::lire(in, "essai");
+    const Reseau::Net net = Reseau::lire(texte.str(), "essai");
     Reseau::Couverture couverture(net, 1);
     EXPECT_FALSE(couverture.explorer(1, false));
     EXPECT_EQ(couverture.maximaux(), std::uint64_t{N} + 1);
@@ -372,8 +371,8 @@ TEST(CouvertureTest, WaysThatItIsLedOnLeaveTheSetAsItIs) {
     Hasard h(21);
     int menees = 0;
     for (int i = 0; i < 10'000; ++i) {
-        std::istringstream texte((i % 2 == 0 ? essai::netAuHasard(h) : essai::netDeReseauAuHasard(h)).texte());
-        const Reseau::Net net = Reseau::lire(texte, "essai");
+        const essai::Net tire = i % 2 == 0 ? essai::netAuHasard(h) : essai::netDeReseauAuHasard(h);
+        const Reseau::Net net = Reseau::lire(tire.texte(), "essai");
         Reseau::Couverture seule(net, 1);
         if (!seule.explorer(ASSEZ, false) || !seule.nonBornee()) continue;
         Reseau::Couverture couverture(net, 1);
@@ -389,7 +388,7 @@ TEST(CouvertureTest, WaysThatItIsLedOnLeaveTheSetAsItIs) {
             ++menees;
         }
         ASSERT_TRUE(couverture.explorer(SANS_LIMITE, false));
-        ASSERT_EQ(ensemble(couverture), ensemble(seule)) << texte.str();
+        ASSERT_EQ(ensemble(couverture), ensemble(seule)) << tire.texte();
         ASSERT_EQ(couverture.maxima(), seule.maxima());
         if (chemins) couverture.pourChaqueMaximal([&](const Reseau::Creux& m) { (void)couverture.chemin(m); });
     }
@@ -398,8 +397,8 @@ TEST(CouvertureTest, WaysThatItIsLedOnLeaveTheSetAsItIs) {
 
 /// Of the markings that are the same in `a` and `b`, that with the most omegas.
 TEST(CouvertureTest, TheWidestMarkingIsToldForEachLocation) {
-    std::istringstream texte("tr s a -> a m\ntr t a m -> b\ntr u a -> a n\npl a (1)\n");
-    const Reseau::Net net = Reseau::lire(texte, "essai");  // a, m, b, n
+    const Reseau::Net net =
+        Reseau::lire("tr s a -> a m\ntr t a m -> b\ntr u a -> a n\npl a (1)\n", "essai");  // a, m, b, n
     Reseau::Couverture couverture(net, 1);
     ASSERT_TRUE(couverture.explorer(SANS_LIMITE, false));
     const auto larges = couverture.plusLarges({0, 2}, 3);
@@ -411,8 +410,9 @@ TEST(CouvertureTest, TheWidestMarkingIsToldForEachLocation) {
 
 /// Without the messages two threads are left that know nothing of each other; one of them can go round.
 TEST(ProlongementTest, AWayOnLeadsThroughWhatIsLeftOut) {
-    std::istringstream texte("tr t0 a0 m -> a1\ntr t1 a1 -> a0 q\ntr u b0 m -> b1 m\npl a0 (1)\npl b0 (1)\npl m\n");
-    const Reseau::Net net = Reseau::lire(texte, "essai");  // a0, m, a1, q, b0, b1
+    const Reseau::Net net =
+        Reseau::lire("tr t0 a0 m -> a1\ntr t1 a1 -> a0 q\ntr u b0 m -> b1 m\npl a0 (1)\npl b0 (1)\npl m\n",
+                     "essai");  // a0, m, a1, q, b0, b1
     const auto parties = Reseau::partiesSansOmegas(net, {1, OMEGA, 1, 1, 1, 1});
     EXPECT_THAT(parties, testing::UnorderedElementsAre(testing::UnorderedElementsAre(0, 2, 3),
                                                        testing::UnorderedElementsAre(4, 5)));
@@ -461,8 +461,8 @@ TEST(EnumerationTest, RoomIsMadeForAllPlacesOfASuccessorAtOnce) {
 }
 
 TEST(EpuisementTest, NothingIsLeftToAccelerateWhereTheFinitePlacesKeepAWeighting) {
-    std::istringstream texte("tr a -> client\ntr b client libre -> servi\ntr c servi -> libre\npl libre (3)\n");
-    const Reseau::Net lu = Reseau::lire(texte, "essai");
+    const Reseau::Net lu =
+        Reseau::lire("tr a -> client\ntr b client libre -> servi\ntr c servi -> libre\npl libre (3)\n", "essai");
     ASSERT_THAT(lu.places, testing::ElementsAre("client", "libre", "servi"));
     const Champs champs(Comptes(3, 5), true);
     Reseau::Epuisement epuisement(lu);
@@ -481,10 +481,7 @@ TEST(EpuisementTest, NothingIsLeftToAccelerateWhereTheFinitePlacesKeepAWeighting
     for (int i = 0; i < 1000; ++i) EXPECT_FALSE(epuisement.chez(champs, autre.data()));
 }
 
-Reseau::Net lireLeNet(const std::string& texte) {
-    std::istringstream in(texte);
-    return Reseau::lire(in, "essai");
-}
+Reseau::Net lireLeNet(const std::string& texte) { return Reseau::lire(texte, "essai"); }
 
 TEST(AccelerationsTest, ATransitionIsRepeatedWithoutSearchWhereWhatItConsumesIsOmega) {
     const Reseau::Net net = lireLeNet(
@@ -572,8 +569,7 @@ TEST(FranchissementTest, TheUsefulTransitionsAreThoseThatAScanOfAllFinds) {
     Hasard h(8);
     for (int tour = 0; tour < 300; ++tour) {
         const essai::Net net = tour % 2 == 0 ? essai::netAuHasard(h) : essai::netDeReseauAuHasard(h);
-        std::istringstream texte(net.texte());
-        const Reseau::Net lu = Reseau::lire(texte, "essai");
+        const Reseau::Net lu = Reseau::lire(net.texte(), "essai");
         const Champs champs(Comptes(lu.places.size(), 5), true);
         Reseau::Franchissement franchissement(lu, champs);
         for (int essai = 0; essai < 10; ++essai) {
@@ -600,8 +596,7 @@ TEST(ComposantesTest, ALockIsASetOfItsOwnAndWhatHasNoSetIsLeftAlone) {
     for (int i = 0; i < 20; ++i)
         net << "tr prend" << i << " attend libre" << i << " -> tient" << i << "\ntr rend" << i << " tient" << i
             << " -> attend libre" << i << "\npl libre" << i << " (1)\n";
-    std::istringstream texte(net.str());
-    const Reseau::Net lu = Reseau::lire(texte, "essai");
+    const Reseau::Net lu = Reseau::lire(net.str(), "essai");
     const auto place = [&lu](const std::string& nom) {
         return static_cast<std::uint32_t>(std::ranges::find(lu.places, nom) - lu.places.begin());
     };
@@ -621,8 +616,8 @@ TEST(ComposantesTest, ALockIsASetOfItsOwnAndWhatHasNoSetIsLeftAlone) {
 
 /// Where a transition may take from either of two places, only one of them leads to a set.
 TEST(ComposantesTest, EveryPlaceThatATransitionTakesFromIsTried) {
-    std::istringstream texte("tr a x y -> p\ntr b p -> q\ntr c q -> x y\ntr d -> x\ntr e x ->\npl x (0)\npl y (1)\n");
-    const Reseau::Net lu = Reseau::lire(texte, "essai");
+    const Reseau::Net lu =
+        Reseau::lire("tr a x y -> p\ntr b p -> q\ntr c q -> x y\ntr d -> x\ntr e x ->\npl x (0)\npl y (1)\n", "essai");
     Reseau::Composantes composantes(lu);
     std::uint64_t travail = 1000;
     EXPECT_THAT(lu.places, testing::ElementsAre("x", "y", "p", "q"));
@@ -632,10 +627,10 @@ TEST(ComposantesTest, EveryPlaceThatATransitionTakesFromIsTried) {
 
 /// Three readers or one writer: who writes holds three permits.
 TEST(ComposantesTest, ATokenWeighsAsMuchAsItMust) {
-    std::istringstream texte(
+    const Reseau::Net lu = Reseau::lire(
         "tr a permis -> lit\ntr b lit -> permis\ntr c permis*3 -> ecrit\ntr d ecrit -> permis*3\n"
-        "tr e lit*2 -> perdu*7\npl permis (3)\n");
-    const Reseau::Net lu = Reseau::lire(texte, "essai");
+        "tr e lit*2 -> perdu*7\npl permis (3)\n",
+        "essai");
     Reseau::Composantes composantes(lu);
     std::uint64_t travail = 1000;
     EXPECT_THAT(lu.places, testing::ElementsAre("permis", "lit", "ecrit", "perdu"));
@@ -766,10 +761,7 @@ TEST(VisitesTest, AllTokensOfARingAreBroughtToEachPlaceAtOnce) {
 /// Nets that are too large to be asked the state equation, and in which each place can hold all there is.
 class TransportsEnMasse : public testing::Test {
 protected:
-    static Reseau::Net lire(const std::string& texte) {
-        std::istringstream in(texte);
-        return Reseau::lire(in, "essai");
-    }
+    static Reseau::Net lire(const std::string& texte) { return Reseau::lire(texte, "essai"); }
     static std::string chaine(int places) {
         std::ostringstream texte;
         for (int p = 1; p < places; ++p) texte << "tr t" << p << " p" << p << " -> p" << p + 1 << '\n';
@@ -795,9 +787,8 @@ TEST_F(TransportsEnMasse, WhatIsBroughtInBulkIsProved) {
         const Reseau::Net net = lire(texte);
         const Reseau::Rapport rapport = Reseau::analyser(net, {.preuves = true});
         EXPECT_EQ(rapport.bornes, Comptes(PLACES, 1'000'000'000));
-        std::ostringstream ecrit;
-        Reseau::ecrire(ecrit, net, rapport);
-        EXPECT_EQ(essai::verifier(texte, ecrit.str(), false), "");
+        const std::string ecrit = Reseau::ecrire(net, rapport);
+        EXPECT_EQ(essai::verifier(texte, ecrit, false), "");
     }
 }
 
@@ -876,13 +867,11 @@ TEST(Fils, AReportOnARandomNetIsTheSameWhateverTheirNumber) {
     Hasard h(5);
     for (int i = 0; i < 500; ++i) {
         const essai::Net net = i % 2 == 0 ? essai::netAuHasard(h) : essai::netDeReseauAuHasard(h);
-        std::istringstream texte(net.texte());
-        const Reseau::Net lu = Reseau::lire(texte, "essai");
+        const Reseau::Net lu = Reseau::lire(net.texte(), "essai");
         std::vector<std::string> rapports;
         for (const unsigned fils : FILS) {
-            std::ostringstream out;
-            Reseau::ecrire(out, lu, Reseau::analyser(lu, {.essai = static_cast<std::uint64_t>(i), .fils = fils}));
-            rapports.push_back(out.str());
+            rapports.push_back(
+                Reseau::ecrire(lu, Reseau::analyser(lu, {.essai = static_cast<std::uint64_t>(i), .fils = fils})));
         }
         ASSERT_THAT(rapports, testing::Each(rapports.front())) << net.texte();
     }
@@ -890,10 +879,10 @@ TEST(Fils, AReportOnARandomNetIsTheSameWhateverTheirNumber) {
 
 /// A ring in which the counts grow long after the threads have started, so that everything is packed anew under way.
 TEST(Fils, CountsThatOutgrowTheirFieldsLateAreTheSameWhateverTheirNumber) {
-    std::istringstream texte(
+    const Reseau::Net net = Reseau::lire(
         "tr a p0 -> p1\ntr b p1 -> p2\ntr c p2 -> p3\ntr d p3 -> p4\ntr e p4*18 -> p5*18\ntr f p5*18 -> p0*18\n"
-        "pl p0 (20)\n");
-    const Reseau::Net net = Reseau::lire(texte, "essai");
+        "pl p0 (20)\n",
+        "essai");
     const std::string seul = enumerer(net, 1);
     EXPECT_THAT(seul, testing::HasSubstr(" 20 20 20 20 20 18 "));
     for (const unsigned fils : FILS) EXPECT_EQ(enumerer(net, fils), seul);
@@ -903,8 +892,7 @@ TEST(Fils, ACountBeyond64BitsIsAnErrorWhateverTheirNumber) {
     std::ostringstream net;
     net << "tr x p1*3 p4*3 p7*4 -> q*4000000000000000000\npl p0 (10)\npl q (6000000000000000000)\n";
     for (int i = 0; i < 8; ++i) net << "tr t" << i << " p" << i << " -> p" << (i + 1) % 8 << '\n';
-    std::istringstream texte(net.str());
-    const Reseau::Net lu = Reseau::lire(texte, "essai");
+    const Reseau::Net lu = Reseau::lire(net.str(), "essai");
     for (const unsigned fils : FILS) {
         Partage partage(lu, fils);
         EXPECT_THROW(partage.achever(), Reseau::Debordement);

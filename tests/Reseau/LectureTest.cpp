@@ -3,16 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 namespace {
 
 using Reseau::Creux;
 
-Reseau::Net lire(const std::string& texte) {
-    std::istringstream in(texte);
-    return Reseau::lire(in, "essai.net");
-}
+Reseau::Net lire(const std::string& texte) { return Reseau::lire(texte, "essai.net"); }
 
 std::string erreur(const std::string& texte) {
     try {

@@ -4,7 +4,6 @@
 
 #include <map>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <utility>
 
@@ -25,13 +24,11 @@ const std::string MOITIE = "4611686018427387903";  // M / 2
 
 /// @param essai 0 asks the state equation and runs in bulk first, a large number explores first
 std::optional<Bornes> bornes(const std::string& texte, std::uint64_t essai) {
-    std::istringstream in(texte);
-    const Reseau::Net net = Reseau::lire(in, "essai");
+    const Reseau::Net net = Reseau::lire(texte, "essai");
     try {
         const Reseau::Rapport rapport = Reseau::analyser(net, {.preuves = true, .essai = essai});
-        std::ostringstream out;
-        Reseau::ecrire(out, net, rapport);
-        EXPECT_EQ(essai::verifier(texte, out.str(), false), "") << out.str();
+        const std::string out = Reseau::ecrire(net, rapport);
+        EXPECT_EQ(essai::verifier(texte, out, false), "") << out;
         EXPECT_EQ(Reseau::analyser(net, {.essai = essai}).bornes, rapport.bornes) << texte;
         EXPECT_EQ(Reseau::analyser(net, {.verdictSeul = true, .essai = essai}).bornee, rapport.bornee) << texte;
         Bornes resultat;

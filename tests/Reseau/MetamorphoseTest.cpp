@@ -20,8 +20,7 @@ using Bornes = std::map<std::string, Reseau::Compte>;
 
 /// The bounds, which the verdict with them and the verdict alone must agree with.
 Bornes bornes(const std::string& texte) {
-    std::istringstream in(texte);
-    const Reseau::Net net = Reseau::lire(in, "essai");
+    const Reseau::Net net = Reseau::lire(texte, "essai");
     const Reseau::Rapport rapport = Reseau::analyser(net, {});
     const bool bornee = Reseau::analyser(net, {.verdictSeul = true}).bornee;
     Bornes resultat;
@@ -233,8 +232,7 @@ TEST(GrandsNets, AChainThatLeavesATokenAtEachStepIsBoundedInWhateverOrderItStand
     for (int ordre = 0; ordre < 2; ++ordre) {
         std::string texte = "pl c0 (2)\n";
         for (const std::string& ligne : lignes) texte += ligne;
-        std::istringstream net(texte);
-        EXPECT_TRUE(Reseau::analyser(Reseau::lire(net, "essai"), {.verdictSeul = true}).bornee);
+        EXPECT_TRUE(Reseau::analyser(Reseau::lire(texte, "essai"), {.verdictSeul = true}).bornee);
         std::ranges::reverse(lignes);
     }
 }

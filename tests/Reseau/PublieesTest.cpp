@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <sstream>
 
 #include "Outils.h"
 #include "Reseau/Couverture.h"
@@ -44,8 +43,7 @@ TEST_P(EnsemblesMinimaux, EveryPublishedConstructionGivesTheSame) {
     int infinis = 0;
     for (int i = 0; i < NETS; ++i) {
         const essai::Net net = i % 2 == 0 ? essai::netAuHasard(h) : essai::netDeReseauAuHasard(h);
-        std::istringstream texte(net.texte());
-        const Reseau::Net lu = Reseau::lire(texte, "essai");
+        const Reseau::Net lu = Reseau::lire(net.texte(), "essai");
         Reseau::Couverture c(lu, 1);
         if (!c.explorer(EXPLORES, false)) continue;
         ++finis;

@@ -27,10 +27,7 @@ using testing::UnorderedElementsAre;
 constexpr Reseau::Compte PLUS_GRAND = 9223372036854775806;
 const std::string M = "9223372036854775806";
 
-Reseau::Net lu(const std::string& texte) {
-    std::istringstream in(texte);
-    return Reseau::lire(in, "essai");
-}
+Reseau::Net lu(const std::string& texte) { return Reseau::lire(texte, "essai"); }
 
 /// A transition of what is left, as words: what it needs "->" what it puts.
 using Mots = std::vector<std::string>;
@@ -82,9 +79,8 @@ std::optional<std::map<std::string, Reseau::Compte>> bornes(const std::string& t
                 EXPECT_FALSE(resultat) << texte;
                 continue;
             }
-            std::ostringstream out;
-            Reseau::ecrire(out, net, *r);
-            EXPECT_EQ(essai::verifier(texte, out.str(), verdictSeul), "") << texte << out.str();
+            const std::string out = Reseau::ecrire(net, *r);
+            EXPECT_EQ(essai::verifier(texte, out, verdictSeul), "") << texte << out;
             if (verdictSeul) continue;
             std::map<std::string, Reseau::Compte> b;
             for (std::size_t p = 0; p < net.places.size(); ++p) b[net.places[p]] = r->bornes[p];
@@ -107,9 +103,8 @@ TEST(PlacesParalleles, TheFactorMayBeAFraction) {
 TEST(PlacesParalleles, TheCountsOfAllStandInEveryMarking) {
     const Reseau::Net net = lu("tr t a -> b*2 c*6\npl a (3)\npl b (1)\npl c (5)\n");
     const Reseau::Rapport r = Reseau::analyser(net, {});
-    std::ostringstream out;
-    Reseau::ecrire(out, net, r);
-    EXPECT_EQ(out.str(), "the net is bounded\n0 : a*3 b c*5\n1 : b*7 c*23\n");
+    const std::string out = Reseau::ecrire(net, r);
+    EXPECT_EQ(out, "the net is bounded\n0 : a*3 b c*5\n1 : b*7 c*23\n");
 }
 
 /// In q and p there is one token more or less at a time; p has two more. What reads n of p needs n - 2 of q.

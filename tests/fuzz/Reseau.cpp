@@ -24,9 +24,8 @@ using Reseau::Creux;
 using Reseau::Net;
 
 std::optional<Net> read(const std::string& text) {
-    std::istringstream in(text);
     try {
-        return Reseau::lire(in, "net");
+        return Reseau::lire(text, "net");
     } catch (const Reseau::ErreurDeLecture& error) {
         const std::string message = error.what();
         const std::size_t digits = std::min(message.find_first_not_of("0123456789", 4), message.size());
@@ -103,13 +102,11 @@ void expectConsistentAnswers(const Net& net) {
     for (std::size_t p = 0; p < net.places.size(); ++p) {
         if (report.bornes[p] > 0) bounds[net.places[p]] = static_cast<int>(report.bornes[p]);
     }
-    std::ostringstream text;
-    Reseau::ecrire(text, net, report);
-    auto found = readBounds(text.str(), "");
+    const std::string text = Reseau::ecrire(net, report);
+    auto found = readBounds(text, "");
     found.erase("");  // between two blanks
-    EXPECT_EQ(found, bounds) << text.str();
-    const std::string verdict =
-        text.str().substr(0, text.str().find('\n'));  // places may be called "not" and "bounded"
+    EXPECT_EQ(found, bounds) << text;
+    const std::string verdict = text.substr(0, text.find('\n'));  // places may be called "not" and "bounded"
     EXPECT_EQ(verdict.find("not bounded"), std::string::npos);
 }
 
