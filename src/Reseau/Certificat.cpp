@@ -1,11 +1,14 @@
 #include "Reseau/Certificat.h"
 
 #include <algorithm>
+#include <map>
 #include <numeric>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -29,7 +32,7 @@ private:
     void liste(const std::vector<std::uint32_t>& places);
     void marquage(const Creux& v);
     void compte(Compte c);
-    void pas(const std::vector<Pas>& run);
+    void pas(std::span<const Pas> run);
     void course(const Course& run);
     void accelerations(const std::vector<Pas>& run);
     void atteinte(std::uint32_t p);
@@ -42,14 +45,19 @@ private:
     void nonBornee();
     std::size_t pompe(std::size_t numero);
     void multiplicateurs(const Multiplicateurs& y);
+    const Creux* composante(std::uint32_t p) const;
+    void sousInvariant(const Creux& composante);
+    void majorant(std::uint32_t p);
     void arbre(const Majoration& majoration);
 
     Texte& out_;
     const Net& net_;
     const Partie& partie_;
     const Resolution& resolution_;
-    std::set<std::uint32_t> ecrites_;        // accelerations
+    std::set<std::uint32_t> ecrites_;                     // accelerations
+    std::map<const Creux*, std::size_t> sousInvariants_;  // written ones, with their numbers
     std::optional<Creux> montre_;            // the end of the last run of the exploration that shows a bound
+    std::vector<Pas> chemin_;                // that run
     std::optional<Tireur::Origine> suivie_;  // of the last other one
     bool pompee_ = false;                    // whether that one ends with its pump
     std::optional<Depliage> depliage_;       // while what is told is about an unfolded net
@@ -83,7 +91,7 @@ void Redacteur::compte(Compte c) {
         out_ << c;
 }
 
-void Redacteur::pas(const std::vector<Pas>& run) {
+void Redacteur::pas(std::span<const Pas> run) {
     for (const Pas& p : run) {
         if (p.genre == Pas::POMPE)
             out_ << " *" << p.numero;
@@ -189,11 +197,14 @@ void Redacteur::parExploration(std::uint32_t p) {
         entete(p, "on");
         return;
     }
-    montre_ = resolution_.couverture.temoin(p);
-    const std::vector<Pas> chemin = resolution_.couverture.chemin(*montre_);
+    Creux marquage = resolution_.couverture.temoin(p);
+    std::vector<Pas> chemin = resolution_.couverture.chemin(marquage);
     accelerations(chemin);
-    entete(p, "by");
-    pas(chemin);
+    const bool suite = montre_ && std::ranges::mismatch(chemin, chemin_).in2 == chemin_.end();
+    entete(p, suite ? "on" : "by");
+    pas(std::span(chemin).subspan(suite ? chemin_.size() : 0));
+    montre_ = std::move(marquage);
+    chemin_ = std::move(chemin);
 }
 
 void Redacteur::parCourse(std::uint32_t p) {
@@ -227,6 +238,21 @@ void Redacteur::multiplicateurs(const Multiplicateurs& multiples) {
             out_ << " *" << contrainte - places;
         out_ << '*' << y;
     }
+}
+
+/// The set of places that bounds the place; nothing when something else does.
+const Creux* Redacteur::composante(std::uint32_t p) const {
+    const bool parMajoration = resolution_.borne(p) != OMEGA && !resolution_.parEnsemble(p);
+    return parMajoration ? resolution_.majorations[p]->composante.get() : nullptr;
+}
+
+/// Writes it when it is not written yet.
+void Redacteur::sousInvariant(const Creux& composante) {
+    const auto [ici, neuf] = sousInvariants_.try_emplace(&composante, sousInvariants_.size());
+    if (!neuf) return;
+    out_ << "subinvariant " << ici->second << ' ' << poidsInitial(partie_.net, composante);
+    marquage(composante);
+    out_ << '\n';
 }
 
 void Redacteur::arbre(const Majoration& majoration) {
@@ -284,6 +310,16 @@ void Redacteur::arbre(const Majoration& majoration) {
     depliage_.reset();
 }
 
+/// Writes why a bounded place holds no more.
+void Redacteur::majorant(std::uint32_t p) {
+    if (resolution_.parEnsemble(p))
+        out_ << "most by " << nomDeLEnsemble() << '\n';
+    else if (const Creux* places = composante(p))
+        out_ << "most " << resolution_.borne(p) << " by subinvariant " << sousInvariants_.at(places) << '\n';
+    else
+        arbre(*resolution_.majorations[p]);
+}
+
 void Redacteur::rediger(bool verdictSeul) {
     out_ << "part";
     for (const std::uint32_t p : partie_.places) out_ << ' ' << net_.places[p];
@@ -310,12 +346,9 @@ void Redacteur::rediger(bool verdictSeul) {
     const std::vector<std::uint32_t> places = ordre();
     if (std::ranges::any_of(places, [this](std::uint32_t p) { return resolution_.parEnsemble(p); })) ensemble();
     for (const std::uint32_t p : places) {
+        if (composante(p)) sousInvariant(*composante(p));
         atteinte(p);
-        if (resolution_.borne(p) == OMEGA) continue;
-        if (resolution_.parEnsemble(p))
-            out_ << "most by " << nomDeLEnsemble() << '\n';
-        else
-            arbre(*resolution_.majorations[p]);
+        if (resolution_.borne(p) != OMEGA) majorant(p);
     }
 }
 

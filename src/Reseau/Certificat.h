@@ -27,6 +27,8 @@
 //         one marking of the part's coverability set; together they cover M0 and each of their successors
 //     relaxed PLACE*COUNT...
 //         the same of a set that may hold more than the net can reach, since what there is much of is "w" in it
+//     subinvariant N TOTAL PLACE*W...
+//         W times each place together are TOTAL at M0, and raised by no transition
 //     unbounded stem RUN cycle RUN
 //         the cycle can be fired after the stem, takes nothing and adds something
 //     bound PLACE COUNT by RUN
@@ -37,6 +39,8 @@
 //         what follows bounds the sum of the part's places
 //     most by set, most by relaxed
 //         no marking of the set holds more
+//     most COUNT by subinvariant N
+//         TOTAL divided by the W of the place, rounded down, is COUNT
 //     most COUNT by cases
 //         no solution of the state equation holds more; the tree of cases follows in prefix notation
 //     most COUNT by phases TRANSITION...

@@ -178,4 +178,10 @@ void Composantes::revenir(std::size_t taille) {
     }
 }
 
+Large poidsInitial(const Net& net, const Creux& poids) {
+    Large total = 0;
+    for (const Poids& p : poids) total += static_cast<Large>(p.compte) * net.initial[p.place];
+    return total;
+}
+
 }  // namespace Reseau

@@ -19,6 +19,9 @@
 
 namespace Reseau {
 
+/// What the places hold at the start, by weight.
+Large poidsInitial(const Net& net, const Creux& poids);
+
 class Composantes {
 public:
     static constexpr Compte LEGER = 1000;              // a weight that most nets do with,

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -25,6 +26,9 @@ struct Majoration {
     Large borne;  ///< no reachable marking holds more in the asked places together
     std::vector<Cas> preuve;
     std::vector<std::uint32_t> passages;  ///< when it is of the net unfolded by these transitions (see Depliage.h)
+    /// When it is what a set of places holds at most, with their weights, instead of a proof by cases. Places of one
+    /// set share it.
+    std::shared_ptr<const Creux> composante = nullptr;
 };
 
 class Majorants {

@@ -25,7 +25,6 @@ constexpr std::uint64_t COMPOSANTES = 8'000'000;  // arcs followed in one turn
 constexpr std::uint64_t COMPOSANTE = 40'000;      // and for one place on a visit
 constexpr std::size_t PROGRES = 8;                // of the places left, when visits settle one of so many they go on
 constexpr std::uint64_t VISITES = 25'000;         // arcs looked at for each place in the first turn
-constexpr std::size_t DEMONTRABLE = 1000;         // places of a set that is written down for each of them
 constexpr std::size_t PROLONGEMENTS = 16;         // markings from which the way on is looked for in one turn
 constexpr std::uint64_t QUESTIONS = 8;  // that may use up all their effort before the exploration has its turn
 constexpr Large TOUT = static_cast<Large>(1) << 125;  // any finite bound is good enough
@@ -48,18 +47,12 @@ Majoration pour(std::uint32_t place, const std::vector<std::uint32_t>& places, c
     return seule;
 }
 
-/// What the places hold at the start, by weight.
-Large poidsInitial(const Net& net, const Creux& poids) {
-    Large total = 0;
-    for (const Poids& p : poids) total += static_cast<Large>(p.compte) * net.initial[p.place];
-    return total;
-}
-
 }  // namespace
 
 void Resolution::essayer(const Options& options) {
     majorations.resize(net_.places.size());
-    if (options.preuves) couverture.garderLesChemins();
+    preuves_ = options.preuves;
+    if (preuves_) couverture.garderLesChemins();
     fini_ = couverture.explorer(options.essai, options.verdictSeul);
 }
 
@@ -75,9 +68,9 @@ void Resolution::finir(const Options& options) {
     if (Majorants::possible(net_)) majorants.emplace(net_);
     if (!options.verdictSeul) abondance.emplace(net_);
     for (unsigned tour = 0; tour < TOURS; ++tour) {
-        majorerParComposantes(options.preuves);
+        majorerParComposantes();
         if (!options.verdictSeul && viser()) return;
-        visiterTantQueCaAvance(tour, options);
+        visiterTantQueCaAvance(tour, options.verdictSeul);
         if (options.verdictSeul ? !bornee() : viser()) return;
         if (!options.verdictSeul && majorerParAbondance(premier << tour)) return;
         if (majorants && tour < EFFORTS) {
@@ -121,15 +114,15 @@ std::size_t Resolution::restantes() const {
 }
 
 /// Visits; where the state equation cannot be asked, goes on while that settles many of the places that are left.
-void Resolution::visiterTantQueCaAvance(unsigned tour, const Options& options) {
+void Resolution::visiterTantQueCaAvance(unsigned tour, bool verdictSeul) {
     for (bool avance = true; avance;) {
         const std::size_t avant = restantes();
-        visiter(tour, options.preuves);
+        visiter(tour);
         const std::size_t apres = restantes();
-        if (options.verdictSeul || majorants || apres == 0) return;
+        if (verdictSeul || majorants || apres == 0) return;
         avance = apres * PROGRES < avant * (PROGRES - 1);
         if (plafonnee_) continue;
-        plafonnee_ = plafonner(options.preuves);
+        plafonnee_ = plafonner();
         avance = avance || *plafonnee_;
     }
 }
@@ -151,23 +144,23 @@ bool Resolution::viser() {
 
 /// Settles places by sets whose tokens never become more; one serves all its places that have been seen with all of
 /// them. The places that have not been seen marked come last: they are many, and few of them stand in an empty set.
-void Resolution::majorerParComposantes(bool preuves) {
+void Resolution::majorerParComposantes() {
     std::vector<Compte> vus = bornes();
     std::uint64_t travail = COMPOSANTES;
     for (const bool vides : {false, true})
         for (std::uint32_t p = 0; p < vus.size(); ++p)
-            if ((vus[p] == 0) == vides && !reglee(p)) chercherComposante(p, vus, travail, preuves);
+            if ((vus[p] == 0) == vides && !reglee(p)) chercherComposante(p, vus, travail);
 }
 
 /// Bounds places by any sets whose tokens never become more, where the state equation cannot be asked: then it is known
 /// how many tokens are worth being brought there. One set of all places if there is one.
 /// @return whether there are any
-bool Resolution::plafonner(bool preuves) {
+bool Resolution::plafonner() {
     std::vector<Compte> vus = bornes();
     bool trouvee = false;
     const auto retenir = [&](const std::optional<Creux>& composante) {
-        if (!composante || (preuves && composante->size() > DEMONTRABLE)) return;
-        regler(*composante, preuves);
+        if (!composante) return;
+        regler(*composante);
         trouvee = true;
     };
     std::uint64_t travail = COMPOSANTES;
@@ -199,7 +192,7 @@ bool Resolution::majorerParAbondance(std::uint64_t limite) {
 }
 
 /// Goes to the places that are not settled, and settles by a set what has been seen with all of its tokens.
-void Resolution::visiter(unsigned tour, bool preuves) {
+void Resolution::visiter(unsigned tour) {
     std::vector<Compte> vus = bornes();
     std::uint64_t travail = COMPOSANTES;
     const auto but = [&](std::uint32_t p) {
@@ -207,7 +200,7 @@ void Resolution::visiter(unsigned tour, bool preuves) {
         if (majorations[p]) return static_cast<Compte>(std::min<Large>(majorations[p]->borne, OMEGA));
         std::uint64_t part = std::min(travail, COMPOSANTE);
         travail -= part;
-        const bool trouvee = vus[p] > net_.initial[p] && chercherComposante(p, vus, part, preuves);
+        const bool trouvee = vus[p] > net_.initial[p] && chercherComposante(p, vus, part);
         travail += part;
         return trouvee ? vus[p] : OMEGA;
     };
@@ -245,26 +238,19 @@ bool Resolution::prolongerDe(const Creux& depart, std::uint64_t limite) {
 }
 
 /// Looks for a set that settles a place.
-bool Resolution::chercherComposante(std::uint32_t place, const std::vector<Compte>& vus, std::uint64_t& travail,
-                                    bool preuves) {
+bool Resolution::chercherComposante(std::uint32_t place, const std::vector<Compte>& vus, std::uint64_t& travail) {
     const auto composante = composantes_->chercher(place, vus[place], vus, travail);
-    if (composante) regler(*composante, preuves);
+    if (composante) regler(*composante);
     return composante.has_value();
 }
 
 /// Bounds the places of a set by all of its tokens, which settles those that have been seen with as many.
-void Resolution::regler(const Creux& composante, bool preuves) {
+void Resolution::regler(const Creux& composante) {
     const Large jetons = poidsInitial(net_, composante);
+    const auto preuve = preuves_ ? std::make_shared<const Creux>(composante) : nullptr;
     for (const Poids& p : composante) {
-        if (majorations[p.place] && majorations[p.place]->borne <= jetons / p.compte) continue;
-        majorations[p.place] = Majoration{jetons / p.compte, {}, {}};
-        if (!preuves) continue;  // a set of thousands of places is not written down for each of them
-        Cas cas;
-        cas.facteur = p.compte;
-        cas.total = jetons;
-        for (const Poids& autre : composante)
-            if (autre.place != p.place) cas.multiplicateurs.emplace_back(autre.place, autre.compte);
-        majorations[p.place]->preuve.push_back(std::move(cas));
+        std::optional<Majoration>& connue = majorations[p.place];
+        if (!connue || connue->borne > jetons / p.compte) connue = Majoration{jetons / p.compte, {}, {}, preuve};
     }
 }
 
@@ -273,7 +259,7 @@ void Resolution::regler(const Creux& composante, bool preuves) {
 bool Resolution::majorerEnsembleParComposantes() {
     const std::vector<Compte>& vus = couverture.maxima();
     std::uint64_t travail = COMPOSANTES;
-    std::uint64_t part = travail / 2;
+    std::uint64_t part = COMPOSANTES / 2;
     std::vector<Creux> composantes;
     if (auto toutes = composantes_->couvrir(vus, Composantes::LEGER, part)) {
         composantes.push_back(std::move(*toutes));

@@ -73,14 +73,14 @@ private:
     std::size_t restantes() const;
     std::vector<Compte> bornes() const;
     bool viser();
-    bool plafonner(bool preuves);
-    void visiterTantQueCaAvance(unsigned tour, const Options& options);
-    void majorerParComposantes(bool preuves);
-    void visiter(unsigned tour, bool preuves);
+    bool plafonner();
+    void visiterTantQueCaAvance(unsigned tour, bool verdictSeul);
+    void majorerParComposantes();
+    void visiter(unsigned tour);
     bool prolonger(std::uint64_t limite);
     bool prolongerDe(const Creux& depart, std::uint64_t limite);
-    bool chercherComposante(std::uint32_t place, const std::vector<Compte>& vus, std::uint64_t& travail, bool preuves);
-    void regler(const Creux& composante, bool preuves);
+    bool chercherComposante(std::uint32_t place, const std::vector<Compte>& vus, std::uint64_t& travail);
+    void regler(const Creux& composante);
     bool majorerEnsembleParComposantes();
     std::vector<Creux> couvrirParPlusieurs(const std::vector<Compte>& vus, std::uint64_t& travail);
     bool majorerParAbondance(std::uint64_t limite);
@@ -92,6 +92,7 @@ private:
     bool majorerEnsemble(unsigned effort);
 
     const Net& net_;
+    bool preuves_ = false;
     std::optional<Composantes> composantes_;  // from `finir` on
     std::optional<Visites> visites_;          // from `finir` on
     std::optional<Phases> phases_;

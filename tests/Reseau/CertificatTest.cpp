@@ -213,6 +213,17 @@ TEST(Certificat, TheLastFiringOfATransitionNeedsWhatItTakes) {
         EXPECT_NE(essai::verifier(net, std::string(r).replace(ou, 6, faux), false), "") << faux;
 }
 
+/// One set of places bounds each of them, and each run goes on from the one before.
+TEST(Certificat, TheProofOfARingGrowsWithItsPlacesAndNotWithTheirSquare) {
+    constexpr std::size_t PLACES = 1000;
+    std::ostringstream net;
+    for (std::size_t p = 0; p < PLACES; ++p) net << "tr t" << p << " p" << p << " -> p" << (p + 1) % PLACES << '\n';
+    net << "pl p0 (1)\n";
+    const std::string r = rapport(net.str(), {.preuves = true});
+    EXPECT_EQ(essai::verifier(net.str(), r, false), "");
+    EXPECT_LT(r.size(), 200 * PLACES);
+}
+
 TEST(Certificat, TheCheckerAcceptsWhatIsTrueAndRejectsEveryFalsifiedLine) {
     const Reseau::Options parEquation{.preuves = true, .essai = 0};
     const Reseau::Options parEnsemble{.preuves = true, .essai = 100000};
@@ -232,7 +243,10 @@ TEST(Certificat, TheCheckerAcceptsWhatIsTrueAndRejectsEveryFalsifiedLine) {
     EXPECT_NE(essai::verifier(NET, fausse("cycle x", "cycle", parEnsemble), false), "");
     EXPECT_NE(essai::verifier(POMPE, fausse("cycle (x*1)*1 (y*1)*1 (z*1)*1", "cycle", parEquation, POMPE), false), "");
     EXPECT_NE(essai::verifier(POMPE, fausse("cycle x y z", "cycle", parEnsemble, POMPE), false), "");
-    EXPECT_NE(essai::verifier(NET, fausse("close 1 1\n", "close 1 0\n", parEquation), false), "");
+    EXPECT_NE(essai::verifier(NET, fausse("close 8 126 ", "close 8 125 ", parEquation), false), "");
+    EXPECT_NE(essai::verifier(NET, fausse("subinvariant 2 21 ", "subinvariant 2 20 ", parEquation), false), "");
+    EXPECT_NE(essai::verifier(NET, fausse("21 q0*21 ma*1", "21 q0*21 ma*2", parEquation), false), "");
+    EXPECT_NE(essai::verifier(NET, fausse("21 by subinvariant 2", "21 by subinvariant 1", parEquation), false), "");
     EXPECT_NE(essai::verifier(NET, fausse("round 2 q0*1 ma*1", "round 4 q0*1 ma*1", parEquation), false), "");
     EXPECT_NE(essai::verifier(NET, fausse("round 2 q0*1 ma*1", "round 2 q0*1 ma*3", parEquation), false), "");
     EXPECT_NE(essai::verifier(NET, fausse("set q1*1 ma*21", "set q1*1 ma*20", parEnsemble), false), "");

@@ -782,7 +782,7 @@ TEST_F(TransportsEnMasse, EveryTokenIsBroughtToEachOfThousandsOfPlaces) {
 }
 
 TEST_F(TransportsEnMasse, WhatIsBroughtInBulkIsProved) {
-    constexpr int PLACES = 800;
+    constexpr int PLACES = 1200;
     for (const std::string& texte : {chaine(PLACES), etoile(PLACES)}) {
         const Reseau::Net net = lire(texte);
         const Reseau::Rapport rapport = Reseau::analyser(net, {.preuves = true});

@@ -130,6 +130,7 @@ protected:
     }
 };
 
+bool parSousInvariant(const Mots& ligne) { return ligne.size() > 3 && ligne[3] == "subinvariant"; }
 bool marquage(const Mots& ligne) { return ligne.size() > 1 && ligne[1] == ":"; }
 
 /// The numbers of the lines that begin with `mot`.
@@ -211,6 +212,7 @@ Lignes mentir(const Epreuve& e, const std::string& place, const std::string& vra
     for (std::size_t i = 0; i < fausses.size(); ++i) {
         if (fausses[i].size() < 3 || fausses[i][0] != "bound" || fausses[i][1] != place) continue;
         fausses[i][2] = faux;
+        if (i + 1 < fausses.size() && parSousInvariant(fausses[i + 1])) fausses[i + 1][1] = faux;
         if (i + 2 >= fausses.size() || fausses[i + 1][0] != "most" || fausses[i + 1].back() != "cases") continue;
         fausses[i + 1][1] = faux;
         Mots& feuille = fausses[i + 2];
@@ -567,6 +569,45 @@ std::optional<Lignes> totalMoindre(const Epreuve& e, Hasard& h) {
     return fausses;
 }
 
+/// One of the words "PLACE*Y" from the fourth on has 1 more or less, or goes.
+/// @return whether there is one
+bool changerPoids(Mots& mots, Hasard& h) {
+    if (mots.size() < 4) return false;
+    const std::size_t k = 3 + static_cast<std::size_t>(tirer(h, static_cast<int>(mots.size()) - 3));
+    const std::size_t etoile = mots[k].rfind('*');
+    const long long y = std::stoll(mots[k].substr(etoile + 1)) + (tirer(h, 2) == 0 ? 1 : -1);
+    mots[k] = mots[k].substr(0, etoile + 1) + std::to_string(y);
+    if (y == 0) mots.erase(mots.begin() + static_cast<std::ptrdiff_t>(k));
+    return true;
+}
+
+/// A weighted sum of places, as the words "PLACE*Y" from the fourth on tell it.
+struct Somme {
+    Somme(const Epreuve& epreuve, const Mots& mots) : e(epreuve), poids(e.net.places.size(), 0) {
+        for (const std::string& mot : apres(mots, 3)) {
+            const std::size_t ou = mot.rfind('*');
+            poids[e.place(mot.substr(0, ou))] += std::stoll(mot.substr(ou + 1));
+        }
+    }
+    Large depart() const {
+        Large total = 0;
+        for (std::size_t p = 0; p < poids.size(); ++p) total += poids[p] * e.net.initial[p];
+        return total;
+    }
+    /// Whether a transition of the part that line `i` belongs to raises it.
+    bool montee(const Lignes& lignes, std::size_t i) const {
+        while (lignes[i][0] != "fires") --i;
+        return std::ranges::any_of(apres(lignes[i], 1), [&](const std::string& t) {
+            Large gain = 0;
+            for (const Reseau::Poids& p : e.transition(t)->effet) gain += poids[p.place] * p.compte;
+            return gain > 0;
+        });
+    }
+
+    const Epreuve& e;
+    std::vector<Large> poids;
+};
+
 /// A multiplier goes or changes, so that a transition raises the sum, or the sum is larger at the start than the bound.
 std::optional<Lignes> multiplicateurFaux(const Epreuve& e, Hasard& h) {
     const std::vector<std::size_t> feuilles = feuillesSeules(e);
@@ -574,37 +615,57 @@ std::optional<Lignes> multiplicateurFaux(const Epreuve& e, Hasard& h) {
     Lignes fausses = e.lignes;
     const std::size_t i = unDe(feuilles, h);
     Mots& mots = fausses[i];
-    if (mots.size() < 4) return std::nullopt;
-    const std::size_t k = 3 + static_cast<std::size_t>(tirer(h, static_cast<int>(mots.size()) - 3));
-    const std::size_t etoile = mots[k].rfind('*');
-    const long long y = std::stoll(mots[k].substr(etoile + 1)) + (tirer(h, 2) == 0 ? 1 : -1);
-    mots[k] = mots[k].substr(0, etoile + 1) + std::to_string(y);
-    if (y == 0) mots.erase(mots.begin() + static_cast<std::ptrdiff_t>(k));
-    std::vector<Large> poids(e.net.places.size(), 0);
+    if (!changerPoids(mots, h)) return std::nullopt;
+    Somme somme(e, mots);
     const long long facteur = std::stoll(mots[1]);
-    poids[e.place(fausses[i - 2][1])] = facteur;
-    for (const std::string& mot : apres(mots, 3)) {
-        const std::size_t ou = mot.rfind('*');
-        poids[e.place(mot.substr(0, ou))] += std::stoll(mot.substr(ou + 1));
-    }
-    Large depart = 0;
-    for (std::size_t p = 0; p < poids.size(); ++p) depart += poids[p] * e.net.initial[p];
-    std::size_t part = i;
-    while (fausses[part][0] != "fires") --part;
-    const bool monte = std::ranges::any_of(apres(fausses[part], 1), [&](const std::string& t) {
-        Large somme = 0;
-        for (const Reseau::Poids& p : e.transition(t)->effet) somme += poids[p.place] * p.compte;
-        return somme > 0;
-    });
-    if (!monte && depart / facteur <= std::stoll(fausses[i - 2][2]) && depart <= std::stoll(mots[2]))
+    somme.poids[e.place(fausses[i - 2][1])] += facteur;
+    const Large depart = somme.depart();
+    if (!somme.montee(fausses, i) && depart / facteur <= std::stoll(fausses[i - 2][2]) && depart <= std::stoll(mots[2]))
         return std::nullopt;
+    return fausses;
+}
+
+/// A weight goes or changes, so that a transition raises the sum, or the sum is another one at the start.
+std::optional<Lignes> sousInvariantFaux(const Epreuve& e, Hasard& h) {
+    const std::vector<std::size_t> numeros = lignesDe(e.lignes, "subinvariant");
+    if (numeros.empty()) return std::nullopt;
+    Lignes fausses = e.lignes;
+    const std::size_t i = unDe(numeros, h);
+    if (!changerPoids(fausses[i], h)) return std::nullopt;
+    const Somme somme(e, fausses[i]);
+    if (!somme.montee(fausses, i) && somme.depart() == std::stoll(fausses[i][2])) return std::nullopt;
+    return fausses;
+}
+
+std::optional<Lignes> totalFaux(const Epreuve& e, Hasard& h) {
+    const std::vector<std::size_t> numeros = lignesDe(e.lignes, "subinvariant");
+    if (numeros.empty()) return std::nullopt;
+    Lignes fausses = e.lignes;
+    std::string& total = fausses[unDe(numeros, h)][2];
+    total = std::to_string(std::stoll(total) + (tirer(h, 2) == 0 ? 1 : -1));
+    return fausses;
+}
+
+/// A bound is said to follow from a sum in which the place is not.
+std::optional<Lignes> placeHorsDeLaSomme(const Epreuve& e, Hasard& h) {
+    std::vector<std::size_t> numeros = lignesDe(e.lignes, "most");
+    std::erase_if(numeros, [&](std::size_t i) { return !parSousInvariant(e.lignes[i]); });
+    if (numeros.empty()) return std::nullopt;
+    Lignes fausses = e.lignes;
+    const std::size_t i = unDe(numeros, h);
+    const std::string& place = fausses[i - 1][1];
+    for (const std::size_t autre : lignesDe(e.lignes, "subinvariant")) {
+        if (e.lignes[autre][1] != fausses[i][4] || autre > i) continue;
+        std::erase_if(fausses[autre], [&](const std::string& mot) { return mot.substr(0, mot.rfind('*')) == place; });
+    }
     return fausses;
 }
 
 std::optional<Lignes> mostMoindre(const Epreuve& e, Hasard& h) {
     std::vector<std::size_t> numeros = lignesDe(e.lignes, "most");
-    std::erase_if(numeros,
-                  [&](std::size_t i) { return e.lignes[i].back() != "cases" || e.lignes[i - 1][0] != "bound"; });
+    std::erase_if(numeros, [&](std::size_t i) {
+        return (e.lignes[i].back() != "cases" && !parSousInvariant(e.lignes[i])) || e.lignes[i - 1][0] != "bound";
+    });
     if (numeros.empty()) return std::nullopt;
     Lignes fausses = e.lignes;
     const std::size_t i = unDe(numeros, h);
@@ -658,6 +719,10 @@ const std::vector<std::pair<std::string, Faussaire>> FAUSSAIRES{
     {"a total is too small", totalMoindre},
     {"a multiplier is wrong", multiplicateurFaux},
     {"a most is too small", mostMoindre},
+    {"a subinvariant is missing", [](auto& e, auto& h) { return sansLigne(e, "subinvariant", h); }},
+    {"a weight is wrong", sousInvariantFaux},
+    {"a weighted sum is wrong", totalFaux},
+    {"a place is not in the sum that bounds it", placeHorsDeLaSomme},
 };
 
 TEST_P(EnTranches, AGapInAnyKindOfLineIsNoticed) {

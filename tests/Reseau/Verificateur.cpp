@@ -91,6 +91,11 @@ struct Omega {
     Vecteur besoin;
 };
 
+struct SousInvariant {
+    Entier total;
+    Vecteur poids;
+};
+
 class Verification {
 public:
     Verification(const std::string& net, const std::string& rapport, bool verdictSeul);
@@ -108,6 +113,7 @@ private:
     void verifierTirees();
     void verifierJeton(const Mots& m);
     void verifierOmega(const Mots& m);
+    void verifierSousInvariant(const Mots& m);
     void verifierEnsemble();
     void verifierSansBorne(const Mots& m);
     void verifierBorne(const Mots& m);
@@ -166,6 +172,7 @@ private:
     std::map<std::string, std::map<std::string, Entier>> effets_;  // of these, by place and transition
     std::set<std::string> jeton_;
     std::map<std::string, Omega> omegas_;
+    std::map<std::string, SousInvariant> sousInvariants_;
     std::vector<Vecteur> ensemble_;
     Vecteur maxima_;                      // over the set
     std::optional<Vecteur> finDeCourse_;  // of the last bound of the part
@@ -443,6 +450,23 @@ void Verification::verifierOmega(const Mots& m) {
         if (o.monte.contains(p)) exiger(lire(apres, p) > lire(avant, p), "an acceleration does not raise ", p);
     }
     omegas_[m.at(1)] = o;
+}
+
+/// "subinvariant N TOTAL P*W...": the weighted sum is what it is said to be at the start, and no transition raises it.
+void Verification::verifierSousInvariant(const Mots& m) {
+    SousInvariant s{nombre(m.at(2)), {}};
+    Entier total = 0;
+    std::map<std::string, Entier> gains;  // by transition
+    for (std::size_t i = 3; i < m.size(); ++i) {
+        const auto [p, n] = poids(m[i]);
+        exiger(partie_.contains(p) && n > 0 && n < W, "not a weight of one of the part's places: ", m[i]);
+        exiger(s.poids.insert({p, n}).second, "twice: ", p);
+        total = somme(total, produit(n, lire(initial_, p)));
+        for (const auto& [t, e] : effets_[p]) gains[t] = somme(gains[t], produit(n, e));
+    }
+    for (const auto& [t, n] : gains) exiger(n <= 0, "raised by ", t);
+    exiger(total == s.total, "the total is wrong");
+    sousInvariants_[m.at(1)] = s;
 }
 
 /// The set covers the initial marking and every successor of its members, as far as the part's places go. Most
@@ -800,6 +824,15 @@ void Verification::verifierMajorant(const Mots& m, const Vecteur& visee, std::op
             exiger(lire(maxima_, p) <= (borne ? *borne : W - 1), "the set holds more of ", p);
         return;
     }
+    if (m.size() > 3 && m[3] == "subinvariant") {
+        const SousInvariant& s = sousInvariants_.at(m.at(4));
+        for (const auto& [p, n] : visee) {
+            exiger(visee.size() == 1 && lire(s.poids, p) > 0, "not in the sum: ", p);
+            exiger(s.total / lire(s.poids, p) == nombre(m.at(1)), "the sum shows another bound of ", p);
+        }
+        exiger(borne && nombre(m.at(1)) <= *borne, "the sum shows less than the bound");
+        return;
+    }
     if (m.size() > 3 && m[3] == "phases") {
         Verification deplie = *this;
         deplie.deplier(Mots(m.begin() + 4, m.end()));
@@ -842,6 +875,7 @@ void Verification::verifierPartie() {
         for (const auto& [p, n] : transitions_.at(t).effet) effets_[p][t] = n;
     jeton_.clear();
     omegas_.clear();
+    sousInvariants_.clear();
     ensemble_.clear();
     maxima_.clear();
     finDeCourse_.reset();
@@ -872,9 +906,11 @@ void Verification::verifierPartie() {
         for (const std::string& p : partie_) bornes_[p] = 0;  // finite is all that is claimed
         return;
     }
-    while (commence("omega") || commence("bound")) {
+    while (commence("omega") || commence("subinvariant") || commence("bound")) {
         if (commence("omega"))
             verifierOmega(prochaine());
+        else if (commence("subinvariant"))
+            verifierSousInvariant(prochaine());
         else
             verifierBorne(prochaine());
     }
