@@ -23,10 +23,11 @@ constexpr unsigned CROISSANCE = 3;   // powers of two by which a turn of the exp
                                      // it may then cost about as much as the state equation's next one
 constexpr std::uint64_t COMPOSANTES = 8'000'000;  // arcs followed in one turn
 constexpr std::uint64_t COMPOSANTE = 40'000;      // and for one place on a visit
-constexpr std::size_t PROGRES = 8;                // of the places left, when visits settle one of so many they go on
-constexpr std::uint64_t VISITES = 25'000;         // arcs looked at for each place in the first turn
-constexpr std::size_t PROLONGEMENTS = 16;         // markings from which the way on is looked for in one turn
-constexpr std::uint64_t QUESTIONS = 8;  // that may use up all their effort before the exploration has its turn
+constexpr std::uint64_t VERDICT = 4000;    // for each place of the net before the state equation gives the verdict
+constexpr std::size_t PROGRES = 8;         // of the places left, when visits settle one of so many they go on
+constexpr std::uint64_t VISITES = 25'000;  // arcs looked at for each place in the first turn
+constexpr std::size_t PROLONGEMENTS = 16;  // markings from which the way on is looked for in one turn
+constexpr std::uint64_t QUESTIONS = 8;     // that may use up all their effort before the exploration has its turn
 constexpr Large TOUT = static_cast<Large>(1) << 125;  // any finite bound is good enough
 
 /// The bound of several places together, as one of `place` alone.
@@ -258,13 +259,15 @@ void Resolution::regler(const Creux& composante) {
 /// @return whether there are such sets
 bool Resolution::majorerEnsembleParComposantes() {
     const std::vector<Compte>& vus = couverture.maxima();
-    std::uint64_t travail = COMPOSANTES;
-    std::uint64_t part = COMPOSANTES / 2;
+    const std::uint64_t permis =
+        Majorants::possible(net_) ? std::min(COMPOSANTES, VERDICT * net_.places.size()) : COMPOSANTES;
+    std::uint64_t travail = permis;
+    std::uint64_t part = permis / 2;
     std::vector<Creux> composantes;
     if (auto toutes = composantes_->couvrir(vus, Composantes::LEGER, part)) {
         composantes.push_back(std::move(*toutes));
     } else if (composantes = couvrirParPlusieurs(vus, travail); composantes.empty()) {
-        part = COMPOSANTES / 2;
+        part = permis / 2;
         toutes = composantes_->couvrir(vus, Composantes::PESANT, part);
         if (!toutes) return false;
         composantes.push_back(std::move(*toutes));
