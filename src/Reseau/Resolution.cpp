@@ -17,7 +17,8 @@ constexpr std::uint64_t MINIMUM =
     100;                             // markings expanded in the first exploration, as far as the next ones depend on it
 constexpr std::uint64_t PEU = 16;    // where one of so many waits, the exploration may be near its end,
 constexpr std::uint64_t SURSIS = 8;  // and goes on to so many times its first length before anything else is asked
-constexpr unsigned EFFORTS = 5;      // of the state equation
+constexpr unsigned EFFORTS = 5;      // of the state equation,
+constexpr unsigned EN_UNE = 2;       // beginning with so many more where one question is asked, not one for each place
 constexpr unsigned TOURS = 8;        // of taking turns; no net is complete after so many markings that was not before
 constexpr unsigned CROISSANCE = 3;   // powers of two by which a turn of the exploration is longer than the one before:
                                      // it may then cost about as much as the state equation's next one
@@ -74,9 +75,10 @@ void Resolution::finir(const Options& options) {
         visiterTantQueCaAvance(tour, options.verdictSeul);
         if (options.verdictSeul ? !bornee() : viser()) return;
         if (!options.verdictSeul && majorerParAbondance(premier << tour)) return;
-        if (majorants && tour < EFFORTS) {
-            if (options.verdictSeul ? majorerEnsemble(tour) : majorer(tour)) return;
-            if (!options.verdictSeul && tour > 0 && majorerParPhases(tour + 1)) return;
+        const unsigned effort = options.verdictSeul ? tour + EN_UNE : tour;
+        if (majorants && effort < EFFORTS) {
+            if (options.verdictSeul ? majorerEnsemble(effort) : majorer(effort)) return;
+            if (!options.verdictSeul && tour > 0 && majorerParPhases(effort + 1)) return;
             if (options.verdictSeul && !bornee()) return;
         }
         if (!options.verdictSeul && prolonger(premier << tour)) return;

@@ -237,6 +237,16 @@ TEST(GrandsNets, AChainThatLeavesATokenAtEachStepIsBoundedInWhateverOrderItStand
     }
 }
 
+/// Models of two hundred nodes with many tokens, of which the exploration sees next to nothing.
+TEST(GrandsNets, TheVerdictOnLargeModelsComesBeforeALongExploration) {
+    const auto serie = std::ranges::find(familles::series(), 200, &familles::Serie::noeuds);
+    for (const int i : {0, 3, 5, 6, 8}) {
+        const Reseau::Rapport rapport = Reseau::analyser(serie->net(i), {.verdictSeul = true});
+        EXPECT_TRUE(rapport.bornee) << i;
+        EXPECT_LE(rapport.explores, 1000U) << i;
+    }
+}
+
 TEST(GrandsNets, ATransmissionThroughFiveThousandBuffersOfWhichNoneIsBounded) {
     std::ostringstream net;
     familles::ecrire(net, std::ranges::find(familles::toutes(), "buffers", &familles::Famille::nom)->net(5000));
