@@ -13,7 +13,7 @@ namespace Reseau {
 
 namespace {
 
-/// What it has read is told apart by names that lie in the text: that stays where it is until the end.
+/// Names are kept as pieces of the text, which outlives it.
 class Lecteur {
 public:
     explicit Lecteur(std::string source) : source_(std::move(source)) {}

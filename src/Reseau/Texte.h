@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <concepts>
+#include <iterator>
 #include <limits>
 #include <string>
 #include <string_view>
