@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <deque>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -13,12 +14,13 @@ namespace Reseau {
 
 namespace {
 
-/// Names are kept as pieces of the text, which outlives it.
+/// Names are kept as pieces of the text, which stays where it is.
 class Lecteur {
 public:
     explicit Lecteur(std::string source) : source_(std::move(source)) {}
 
-    void lireLigne(std::string_view ligne);
+    /// @param lignes whole ones
+    void lire(std::string_view lignes);
     Net finir() { return std::move(net_); }
 
 private:
@@ -26,6 +28,7 @@ private:
         throw ErreurDeLecture(source_ + ":" + std::to_string(numero_) + ": " + quoi);
     }
 
+    void lireLigne(std::string_view ligne);
     void decouper(std::string_view ligne);
     std::size_t finDuNom(std::string_view mot) const;
     Compte nombre(std::string_view chiffres, const char* quoi) const;
@@ -171,15 +174,36 @@ void Lecteur::lireLigne(std::string_view ligne) {
         erreur("\"net\", \"tr\" or \"pl\" expected, not \"" + std::string(mots_[0]) + "\"");
 }
 
+void Lecteur::lire(std::string_view lignes) {
+    while (!lignes.empty()) {
+        const std::size_t fin = std::min(lignes.find('\n'), lignes.size());
+        lireLigne(lignes.substr(0, fin));
+        lignes.remove_prefix(std::min(fin + 1, lignes.size()));
+    }
+}
+
 }  // namespace
 
 Net lire(std::string_view texte, const std::string& source) {
     Lecteur lecteur(source);
-    while (!texte.empty()) {
-        const std::size_t fin = std::min(texte.find('\n'), texte.size());
-        lecteur.lireLigne(texte.substr(0, fin));
-        texte.remove_prefix(std::min(fin + 1, texte.size()));
+    lecteur.lire(texte);
+    return lecteur.finir();
+}
+
+Net lire(const std::function<std::string_view()>& suite, const std::string& source) {
+    Lecteur lecteur(source);
+    std::deque<std::string> lues;  // whole lines
+    std::string commencee;         // the line that the piece before has begun
+    for (std::string_view morceau = suite(); !morceau.empty(); morceau = suite()) {
+        const std::size_t lignes = morceau.rfind('\n') + 1;
+        if (lignes > 0) {
+            lues.push_back(std::move(commencee.append(morceau, 0, lignes)));
+            commencee.clear();
+            lecteur.lire(lues.back());
+        }
+        commencee.append(morceau, lignes);
     }
+    lecteur.lire(commencee);
     return lecteur.finir();
 }
 

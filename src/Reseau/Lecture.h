@@ -1,6 +1,7 @@
 // Reads a net from its textual form.
 #pragma once
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -26,5 +27,11 @@ struct ErreurDeLecture : std::runtime_error {
 /// @param source what messages call the text, a file name for instance
 /// @throws ErreurDeLecture on a malformed text
 Net lire(std::string_view texte, const std::string& source);
+
+/// The same for a text that comes in pieces, cut anywhere. A malformed line is refused before the piece after its own
+/// is asked for, so that a text without end is refused, too.
+/// @param suite the next piece, empty at the end of the text; it is not used any more once the next one is asked for
+/// @throws ErreurDeLecture on a malformed text, and whatever `suite` throws
+Net lire(const std::function<std::string_view()>& suite, const std::string& source);
 
 }  // namespace Reseau

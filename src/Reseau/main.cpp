@@ -97,13 +97,15 @@ Reseau::Net lireNet(const std::optional<std::string>& nom) {
     const int fichier = nom ? open(nom->c_str(), O_RDONLY | O_CLOEXEC) : STDIN_FILENO;
     if (fichier < 0) throw std::runtime_error("cannot open " + *nom + ": " + std::strerror(errno));
     const std::string source = nom.value_or("<stdin>");
-    std::string texte;
     char bloc[4096];
-    ssize_t lus = 0;
-    while ((lus = read(fichier, bloc, sizeof bloc)) > 0) texte.append(bloc, static_cast<std::size_t>(lus));
-    if (lus < 0) throw std::runtime_error(source + ": cannot be read");
+    const auto suite = [&] {
+        const ssize_t lus = read(fichier, bloc, sizeof bloc);
+        if (lus < 0) throw std::runtime_error(source + ": cannot be read");
+        return std::string_view(bloc, static_cast<std::size_t>(lus));
+    };
+    Reseau::Net net = Reseau::lire(suite, source);
     close(fichier);
-    return Reseau::lire(texte, source);
+    return net;
 }
 
 int analyser(const Commande& commande) {

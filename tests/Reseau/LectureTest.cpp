@@ -3,6 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
 namespace {
 
 using Reseau::Creux;
@@ -16,6 +21,56 @@ std::string erreur(const std::string& texte) {
         return e.what();
     }
     return "no error";
+}
+
+/// Hands over a text in pieces of `taille` characters and counts them.
+class Morceaux {
+public:
+    Morceaux(std::string_view texte, std::size_t taille) : reste_(texte), taille_(taille) {}
+
+    std::string_view operator()() {
+        ++demandes_;
+        lu_ = reste_.substr(0, taille_);  // where the piece before was
+        reste_.remove_prefix(lu_.size());
+        return lu_;
+    }
+    int demandes() const { return demandes_; }
+
+private:
+    std::string_view reste_;
+    std::size_t taille_;
+    std::string lu_;
+    int demandes_ = 0;
+};
+
+TEST(Lecture, ATextInPiecesCutAnywhereIsTheSameNet) {
+    std::string texte;
+    for (int i = 0; i < 30; ++i)
+        texte += "tr transition" + std::to_string(i) + " {a place} -> p" + std::to_string(i) + "*2\n\n";
+    texte += "pl {a place} (7) # the last line has no end";
+    const Reseau::Net entier = lire(texte);
+    for (std::size_t taille = 1; taille <= texte.size(); ++taille) {
+        const Reseau::Net net = Reseau::lire(Morceaux(texte, taille), "essai.net");
+        ASSERT_EQ(net.places, entier.places) << taille;
+        ASSERT_EQ(net.initial, entier.initial) << taille;
+        ASSERT_EQ(net.transitions.size(), 30U) << taille;
+        ASSERT_EQ(net.transitions.back().nom, "transition29") << taille;
+        ASSERT_EQ(net.transitions.back().post, entier.transitions.back().post) << taille;
+    }
+}
+
+TEST(Lecture, AMalformedLineIsRefusedBeforeMoreThanItsEndIsAskedFor) {
+    const std::string texte = "tr t a -> b\nyes\n" + std::string(1000, '\n');
+    for (const std::size_t taille : {std::size_t{1}, std::size_t{5}, std::size_t{16}, std::size_t{100}}) {
+        Morceaux morceaux(texte, taille);
+        try {
+            Reseau::lire(std::ref(morceaux), "essai.net");
+            ADD_FAILURE() << taille;
+        } catch (const Reseau::ErreurDeLecture& e) {
+            EXPECT_STREQ(e.what(), "essai.net:2: \"net\", \"tr\" or \"pl\" expected, not \"yes\"");
+        }
+        EXPECT_EQ(morceaux.demandes(), static_cast<int>((15 + taille) / taille)) << taille;  // 16 characters
+    }
 }
 
 TEST(Lecture, TheEditorsNetIsReadAsWritten) {

@@ -312,6 +312,11 @@ TEST(Programme, OutOfMemoryWhileReadingIsAnError) {
 }
 
 /// However little there is: the report is whole, or there is a message. With still less the system cannot start it.
+TEST(Programme, AMalformedTextWithoutEndIsRefusedAtItsLine) {
+    erreurSans(lancer("-C -g", "", "ulimit -v 60000; { echo 'tr t a -> b'; yes; } | "),
+               "<stdin>:2: \"net\", \"tr\" or \"pl\" expected, not \"y\"");
+}
+
 TEST(Programme, OutOfMemoryFromTheStartIsAnError) {
     std::ostringstream kanban;
     familles::ecrire(kanban, std::ranges::find(familles::toutes(), "kanban", &familles::Famille::nom)->net(100));
