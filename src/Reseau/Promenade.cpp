@@ -50,17 +50,43 @@ std::optional<Course> Promenade::chercher(const std::vector<Compte>& comptes, st
     but_ = but;
     mieux_ = plancher;
     std::optional<Course> meilleure;
+    pourChaqueFaisceau(patient, travail, [&](std::size_t largeur) {
+        if (auto trouvee = balayer({net_.initial, comptes, jeton_.depart(), 0, 0}, largeur))
+            meilleure = std::move(trouvee);
+        return mieux_ < but;
+    });
+    return meilleure;
+}
+
+std::optional<Course> Promenade::rassembler(const std::vector<Compte>& comptes, const std::vector<bool>& etapes,
+                                            const std::vector<Compte>& provisions, std::uint64_t& travail) {
+    preparer(travail);
+    place_.reset();
+    etapes_ = etapes;
+    provisions_ = provisions;
+    moindre_ = std::numeric_limits<double>::infinity();
+    std::optional<Course> meilleure;
+    pourChaqueFaisceau(false, travail, [&](std::size_t largeur) {
+        if (auto trouvee = balayer({net_.initial, comptes, jeton_.depart(), 0, 0}, largeur))
+            meilleure = std::move(trouvee);
+        return moindre_ > 0;
+    });
+    etapes_.clear();
+    return meilleure;
+}
+
+/// Calls f(width) for beams of growing width, each with its part of what is left, while it returns true.
+template <class F>
+void Promenade::pourChaqueFaisceau(bool patient, std::uint64_t& travail, F&& f) {
     for (const auto& [largeur, credit] : patient ? std::span<const Essai>(PATIENTS) : std::span<const Essai>(RAPIDES)) {
         credit_ = credit;
         part_ = travail / PART;
         travail -= part_;
         travail_ = &part_;
-        if (auto trouvee = balayer({net_.initial, comptes, jeton_.depart(), 0, 0}, largeur))
-            meilleure = std::move(trouvee);
+        const bool encore = f(largeur);
         travail += part_;
-        if (mieux_ >= but) break;
+        if (!encore) return;
     }
-    return meilleure;
 }
 
 void Promenade::preparer(std::uint64_t& travail) {
@@ -251,7 +277,13 @@ void Promenade::jouer(const Etat& etat, const Suite& suite, bool seule, std::vec
 
 /// Whether the state is what is looked for, or comes nearer to it than any before.
 void Promenade::juger(const Etat& etat) {
-    if (place_ && etat.marquage[*place_] > mieux_) {
+    if (!etapes_.empty()) {
+        const double ici = insuffisance(etat);
+        if (ici >= moindre_) return;
+        moindre_ = ici;
+        arrive_ = etat.avant;
+        fini_ = ici == 0;
+    } else if (place_ && etat.marquage[*place_] > mieux_) {
         mieux_ = etat.marquage[*place_];
         arrive_ = etat.avant;
         fini_ = mieux_ >= but_;
@@ -259,6 +291,15 @@ void Promenade::juger(const Etat& etat) {
         arrive_ = etat.avant;
         fini_ = true;
     }
+}
+
+/// Digits of what is missing of the provisions, and more where the token is not on a way.
+double Promenade::insuffisance(const Etat& etat) const {
+    double total = etapes_[etat.ici] ? 0 : 1;
+    for (std::size_t p = 0; p < provisions_.size(); ++p)
+        if (etat.marquage[p] < provisions_[p])
+            total += std::log2(1 + static_cast<double>(provisions_[p] - etat.marquage[p]));
+    return total;
 }
 
 double Promenade::manque(const Etat& etat) const {

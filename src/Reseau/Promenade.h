@@ -32,6 +32,12 @@ public:
     std::optional<Course> chercher(const std::vector<Compte>& comptes, std::uint32_t place, Compte plancher, Compte but,
                                    bool patient, std::uint64_t& travail);
 
+    /// @return a run that fires each transition t at most about `comptes[t]` times, until the token is on one of
+    /// `etapes` and no less than `provisions` is there; or one that comes near that
+    /// @param travail as for `chercher`
+    std::optional<Course> rassembler(const std::vector<Compte>& comptes, const std::vector<bool>& etapes,
+                                     const std::vector<Compte>& provisions, std::uint64_t& travail);
+
     /// @return a run that begins with `avant` and whose last part fires each transition t `comptes[t]` times, if one is
     /// found near the end of `avant`; the block before the last part is how it comes there
     /// @param travail as for `chercher`
@@ -52,6 +58,8 @@ private:
     using Suite = std::vector<std::uint32_t>;
 
     void preparer(std::uint64_t& travail);
+    template <class F>
+    void pourChaqueFaisceau(bool patient, std::uint64_t& travail, F&& f);
     std::optional<Course> balayer(const Etat& depart, std::size_t largeur);
     void avancer(const Etat& etat, std::vector<Etat>& suivants);
     void jouer(const Etat& etat, const Suite& suite, bool seule, std::vector<Etat>& suivants);
@@ -59,6 +67,7 @@ private:
     Suite retour(const Etat& etat, std::uint32_t premiere, bool large) const;
     std::vector<Suite> traces(const Etat& etat) const;
     void juger(const Etat& etat);
+    double insuffisance(const Etat& etat) const;
     double manque(const Etat& etat) const;
     bool tirable(std::uint32_t t, const std::vector<Compte>& m) const;
     Course course(std::size_t coup) const;
@@ -68,13 +77,16 @@ private:
     std::vector<std::vector<std::uint32_t>> departs_;  // transitions, by place of the token
     std::uint64_t* travail_ = nullptr;
     std::uint64_t part_ = 0;              // of it, for one beam
-    std::optional<std::uint32_t> place_;  // where `but_` tokens are wanted; none when everything is to be fired
+    std::optional<std::uint32_t> place_;  // where `but_` tokens are wanted; none when everything is to be fired,
     Compte but_ = 0;
-    Compte credit_ = 0;        // firings of each transition beyond the counts
-    std::vector<Coup> coups_;  // from 1; 0 is the start
+    std::vector<bool> etapes_;        // or, when there are any, the token is to be on one of these
+    std::vector<Compte> provisions_;  // and so much is to be there
+    Compte credit_ = 0;               // firings of each transition beyond the counts
+    std::vector<Coup> coups_;         // from 1; 0 is the start
     std::unordered_set<std::uint64_t> vus_;
     std::optional<std::size_t> arrive_;  // the move that led nearest
-    Compte mieux_ = 0;                   // tokens in `place_` there, over all beams
+    Compte mieux_ = 0;                   // tokens in `place_` there, over all beams,
+    double moindre_ = 0;                 // or digits of what is missing there
     bool fini_ = false;
 
     // Of the sequence that is being weighed, by place and by transition; zero in between.

@@ -16,9 +16,8 @@ namespace Reseau {
 /// @return nothing when they leave 64 bits
 std::optional<std::vector<Compte>> leLongDuRayon(const Equation& equation, const Simplexe& s, Large fois);
 
-/// Counts as small as may be that a way of the token back to where it stands may have which adds to `place` and takes
-/// nothing: a ray whose firings are connected. Every transition moves the token.
-/// @return nothing when none is found soon
-std::optional<std::vector<Compte>> boucle(const Equation& equation, std::uint32_t place);
+/// The values of the transitions in a solution, and the smallest multiple of them in integers.
+/// @return nothing when it leaves 64 bits
+std::optional<std::vector<Compte>> multipleEntier(const Equation& equation, const Simplexe& s);
 
 }  // namespace Reseau

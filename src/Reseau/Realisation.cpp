@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "Reseau/Boucle.h"
 #include "Reseau/Rayon.h"
 
 namespace Reseau {
@@ -65,7 +66,29 @@ void Realisation::suivreLeRayon(const Simplexe& s) {
         if (tireur_.minorants()[*pousse] == OMEGA) return;
     }
     if (!promenade_) return;
-    if (const auto tour = boucle(equation_, *pousse)) tourner(*tour);
+    if (const auto tour = boucle(equation_, {*pousse}).tour) boucler(s, *tour);
+}
+
+bool Realisation::boucler(const Simplexe& s, const std::vector<Compte>& tour) {
+    if (tourner(tour)) return true;
+    const auto debut = rassembler(s, tour);
+    return debut && tourner(tour, *debut, parCourse_);
+}
+
+/// Looks for a run to where the token is on a way with all that it takes.
+std::optional<Course> Realisation::rassembler(const Simplexe& s, const std::vector<Compte>& tour) {
+    std::optional<Course> course;
+    try {
+        const std::vector<Compte> prises = provisions(equation_, tour);
+        const std::vector<bool> surLeTour = etapes(equation_, tour);
+        const auto comptes = approche(equation_, s, surLeTour, prises);
+        if (!comptes) return std::nullopt;
+        depenser(parCourse_,
+                 [&](std::uint64_t& reste) { course = promenade_->rassembler(*comptes, surLeTour, prises, reste); });
+    } catch (const Debordement&) {
+        // What is taken on the way does not fit.
+    }
+    return course;
 }
 
 /// What a run with these counts ends with in `place`.
@@ -80,13 +103,23 @@ std::optional<Compte> Realisation::arrivee(const std::vector<Compte>& comptes, s
 /// Looks for a run with these counts that ends with `but` tokens in `place`.
 void Realisation::courir(const std::vector<Compte>& comptes, std::uint32_t place, Compte but, bool patient) {
     if (!promenade_) return tireur_.realiser(comptes, place, but);
-    const std::uint64_t accorde = std::min(*equation_.travail, parCourse_);
+    depenser(parCourse_, [&](std::uint64_t& reste) {
+        try {
+            if (auto course = promenade_->chercher(comptes, place, tireur_.minorants()[place], but, patient, reste))
+                tireur_.adopter(std::move(*course));
+        } catch (const Depassement& e) {
+            tireur_.depasser(e);
+        }
+    });
+}
+
+/// Calls f(work), which may spend so much of what is left of the program's and takes it off.
+template <class F>
+void Realisation::depenser(std::uint64_t part, F&& f) {
+    const std::uint64_t accorde = std::min(*equation_.travail, part);
     std::uint64_t reste = accorde;
     try {
-        if (auto course = promenade_->chercher(comptes, place, tireur_.minorants()[place], but, patient, reste))
-            tireur_.adopter(std::move(*course));
-    } catch (const Depassement& e) {
-        tireur_.depasser(e);
+        f(reste);
     } catch (const Debordement&) {
         // What a move fires does not fit; it says nothing about the others.
     }
@@ -95,23 +128,23 @@ void Realisation::courir(const std::vector<Compte>& comptes, std::uint32_t place
 
 /// Looks for a run to where the token can go once around with these counts and be back with no less: near the start, or
 /// near the end of a pump that has gathered what it gives.
-void Realisation::tourner(const std::vector<Compte>& tour) {
+/// @return whether one is found
+bool Realisation::tourner(const std::vector<Compte>& tour) {
     std::vector<Course> debuts{{}};
     const std::vector<Tireur::Pompe>& pompes = tireur_.pompes();
     for (auto p = pompes.rbegin(); p != pompes.rend() && debuts.size() <= RESERVES; ++p)
         debuts.push_back(repeter(tireur_.tige(*p), tireur_.cycle(*p)));
-    const std::size_t avant = pompes.size();
-    for (const Course& debut : debuts) {
-        const std::uint64_t accorde = std::min(*equation_.travail, parCourse_ / debuts.size());
-        std::uint64_t reste = accorde;
-        try {
-            if (auto course = promenade_->tourner(tour, debut, reste)) tireur_.pomper(std::move(*course));
-        } catch (const Debordement&) {
-            // What a move fires does not fit; it says nothing about the others.
-        }
-        *equation_.travail -= accorde - reste;
-        if (pompes.size() > avant) return;
-    }
+    return std::ranges::any_of(debuts,
+                               [&](const Course& debut) { return tourner(tour, debut, parCourse_ / debuts.size()); });
+}
+
+/// The same near the end of one run.
+bool Realisation::tourner(const std::vector<Compte>& tour, const Course& debut, std::uint64_t travail) {
+    const std::size_t avant = tireur_.pompes().size();
+    depenser(travail, [&](std::uint64_t& reste) {
+        if (auto course = promenade_->tourner(tour, debut, reste)) tireur_.pomper(std::move(*course));
+    });
+    return tireur_.pompes().size() > avant;
 }
 
 }  // namespace Reseau

@@ -1,6 +1,7 @@
-// From a solution of the state equation to runs: one that ends with what a solution promises, or one that goes along a
-// ray until what can be repeated shows. The runs are fired by a walk of the control token (see Promenade.h) where every
-// transition moves it, and else by the greedy search (see Tir.h), which keeps what is found either way.
+// From a solution of the state equation to runs: one that ends with what a solution promises, one that goes along a ray
+// until what can be repeated shows, or one that comes to a way around (see Boucle.h) and goes it. The runs are fired by
+// a walk of the control token (see Promenade.h) where every transition moves it, and else by the greedy search (see
+// Tir.h), which keeps what is found either way.
 #pragma once
 
 #include <cstdint>
@@ -35,11 +36,21 @@ public:
     /// @return whether any pump is known now
     bool pomper(const Simplexe& s);
 
+    /// Looks for a run to where the token can go around with these counts, taking nothing and adding something, and
+    /// back to where it stood.
+    /// @param s a program that has been solved; such a run is to satisfy it
+    /// @return whether there is one
+    bool boucler(const Simplexe& s, const std::vector<Compte>& tour);
+
 private:
     void suivreLeRayon(const Simplexe& s);
     std::optional<Compte> arrivee(const std::vector<Compte>& comptes, std::uint32_t place) const;
     void courir(const std::vector<Compte>& comptes, std::uint32_t place, Compte but, bool patient);
-    void tourner(const std::vector<Compte>& tour);
+    std::optional<Course> rassembler(const Simplexe& s, const std::vector<Compte>& tour);
+    template <class F>
+    void depenser(std::uint64_t part, F&& f);
+    bool tourner(const std::vector<Compte>& tour);
+    bool tourner(const std::vector<Compte>& tour, const Course& debut, std::uint64_t travail);
 
     const Equation& equation_;
     const std::vector<std::uint32_t>& places_;

@@ -320,6 +320,24 @@ void Resolution::majorerJeton(unsigned effort, std::uint64_t& depense) {
     }
 }
 
+/// The places of which no bound is known, where there is a control token: while a way around raises some of them, it is
+/// looked for.
+void Resolution::majorerEnsembleDesOuvertes(unsigned effort) {
+    std::uint64_t depense = 0;
+    while (majorants->jeton() && depense <= QUESTIONS * Majorants::travail(effort)) {
+        std::vector<std::uint32_t> ouvertes;
+        for (std::uint32_t p = 0; p < net_.places.size(); ++p)
+            if (!majorations[p] && !reglee(p)) ouvertes.push_back(p);
+        if (ouvertes.size() < 2) return;
+        const auto ensembleOuvert = majorants->majorer(ouvertes, TOUT, &tireur, effort, depense);
+        if (ensembleOuvert) {
+            for (const std::uint32_t p : ouvertes) majorations[p] = pour(p, ouvertes, *ensembleOuvert);
+            return;
+        }
+        if (std::ranges::all_of(ouvertes, [this](std::uint32_t p) { return borne(p) != OMEGA; })) return;
+    }
+}
+
 /// All places, those that were asked least first, so that each has its turn.
 std::vector<std::uint32_t> Resolution::parQuestions() const {
     std::vector<std::uint32_t> ordre(net_.places.size());
@@ -341,6 +359,7 @@ bool Resolution::majorer(unsigned effort) {
         ++questions_[p];
         garder(p, majorants->majorer({p}, borne(p), &tireur, effort, depense));
     }
+    majorerEnsembleDesOuvertes(std::min(effort + EN_UNE, EFFORTS - 1));
     return viser();
 }
 

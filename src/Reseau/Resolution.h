@@ -90,6 +90,7 @@ private:
     std::vector<std::uint32_t> parQuestions() const;
     void majorerJeton(unsigned effort, std::uint64_t& depense);
     bool majorerEnsemble(unsigned effort);
+    void majorerEnsembleDesOuvertes(unsigned effort);
 
     const Net& net_;
     bool preuves_ = false;

@@ -1,7 +1,9 @@
 #include "Reseau/Separation.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "Reseau/Boucle.h"
 #include "Reseau/Solution.h"
 
 namespace Reseau {
@@ -9,6 +11,7 @@ namespace Reseau {
 namespace {
 
 constexpr std::uint64_t PART_DU_TRAVAIL = 8;            // of the work that one search of a run may take
+constexpr std::uint64_t PART_DES_BOUCLES = 2;           // that one way around may take, with the runs to it
 constexpr std::uint64_t PART_DES_PAIRES = 4;            // of the work that one search of an order may take
 constexpr std::uint64_t CASES_EN_MEMOIRE = 10'000'000;  // of the dictionaries of all open cases
 constexpr std::size_t COUPES = 40;                      // on the way to one case
@@ -30,6 +33,7 @@ Separation::Separation(const Equation& equation, Contradictions& contradictions,
 void Separation::chercher() {
     noeuds_.emplace_back();
     try {
+        if (question_.places.size() > 1 && boucler(equation_.programme)) return;
         poserLaRacine();
         while (!finie()) {
             const auto [borne, numero] = ouverts_.top();
@@ -121,7 +125,7 @@ Cas Separation::clore(const Simplexe& s, Simplexe::Issue issue) const {
 bool Separation::traiter(std::uint32_t numero) {
     const std::shared_ptr<const Simplexe> programme = noeuds_[numero].programme;
     std::optional<Cas> cas = depart(noeuds_[numero]);
-    if (!cas) cas = noeuds_[numero].borne == INFINI ? surUnRayon(*programme) : approfondir(numero, *programme);
+    if (!cas) cas = noeuds_[numero].borne == INFINI ? surUnRayon(numero, *programme) : approfondir(numero, *programme);
     if (!cas) return false;
     separer(numero, std::move(*cas));
     return true;
@@ -136,8 +140,29 @@ std::optional<Cas> Separation::depart(const Noeud& noeud) const {
     return cas;
 }
 
+/// Looks for a way of the token around that adds to the places together, and for a run that goes it; or for weights
+/// that show that there is none. The sum of the token's own places does not grow.
+/// @return whether one of them is found, which answers the question
+bool Separation::boucler(const Simplexe& s) {
+    if (!realisation_ || !realisation_->parPromenade()) return false;
+    if (std::ranges::includes(equation_.jeton->places(), question_.places)) return false;
+    const std::uint64_t reserve = *equation_.travail - *equation_.travail / PART_DES_BOUCLES;
+    *equation_.travail -= reserve;
+    Boucle trouvee = boucle(equation_, question_.places);
+    const bool bornee = trouvee.borne.has_value();
+    if (bornee) {
+        plafond_ = noeuds_[0].borne = plancher(trouvee.borne->total, trouvee.borne->facteur);
+        noeuds_[0].fermeture = std::move(*trouvee.borne);
+    }
+    const bool pompee = trouvee.tour && realisation_->boucler(s, *trouvee.tour);
+    if (pompee) plafond_ = INFINI;
+    *equation_.travail += reserve;
+    return bornee || pompee;
+}
+
 /// The distinction to go on with where there is no largest value, and no pump to show it.
-std::optional<Cas> Separation::surUnRayon(const Simplexe& s) {
+std::optional<Cas> Separation::surUnRayon(std::uint32_t numero, const Simplexe& s) {
+    if (question_.places.size() > 1 && !std::exchange(noeuds_[numero].bouclee, true) && boucler(s)) return std::nullopt;
     if (auto cas = contradictions_.horsDAtteinte(s, true)) return cas;
     if (!realisation_ || realisation_->pomper(s)) return std::nullopt;
     return contradictions_.tropTot(s, true);
@@ -213,6 +238,7 @@ void Separation::ouvrir(std::uint32_t parent, std::vector<Contrainte> contrainte
     noeud.coupes = de.coupes;
     noeud.departs = de.departs;
     noeud.commencee = de.commencee;
+    noeud.bouclee = de.bouclee;
     noeud.finie = de.finie;
     ouverts_.emplace(noeud.borne, numero);
     noeuds_.push_back(std::move(noeud));

@@ -63,6 +63,7 @@ private:
         std::size_t coupes = 0;               // on the way to it
         std::size_t departs = 0;              // ways to begin that have been tried before
         bool commencee = false;               // whether it is known how it begins
+        bool bouclee = false;                 // whether a way of the token around has been looked for
         bool finie = false;                   // whether it is known where the control token ends
     };
 
@@ -72,7 +73,8 @@ private:
     Cas clore(const Simplexe& s, Simplexe::Issue issue) const;
     bool traiter(std::uint32_t numero);
     std::optional<Cas> depart(const Noeud& noeud) const;
-    std::optional<Cas> surUnRayon(const Simplexe& s);
+    bool boucler(const Simplexe& s);
+    std::optional<Cas> surUnRayon(std::uint32_t numero, const Simplexe& s);
     std::optional<Cas> approfondir(std::uint32_t numero, const Simplexe& s);
     std::optional<Cas> ensuite(const Noeud& noeud, const Simplexe& s, const std::optional<Simplexe>& moindre) const;
     void realiser(const Simplexe& s, bool patient);

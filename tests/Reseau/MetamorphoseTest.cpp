@@ -7,11 +7,14 @@
 #include <map>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Outils.h"
+#include "Reseau/Ecriture.h"
 #include "Reseau/Lecture.h"
 #include "Reseau/Reseau.h"
+#include "Verificateur.h"
 #include "reseau_familles.h"
 
 namespace {
@@ -244,6 +247,45 @@ TEST(GrandsNets, TheVerdictOnLargeModelsComesBeforeALongExploration) {
         const Reseau::Rapport rapport = Reseau::analyser(serie->net(i), {.verdictSeul = true});
         EXPECT_TRUE(rapport.bornee) << i;
         EXPECT_LE(rapport.explores, 1000U) << i;
+    }
+}
+
+/// The answer on a random model, with its proof.
+Reseau::Rapport prouver(familles::Genre genre, int noeuds, int numero, bool verdictSeul) {
+    const auto serie = std::ranges::find_if(
+        familles::series(), [&](const familles::Serie& s) { return s.genre == genre && s.noeuds == noeuds; });
+    const Reseau::Net net = serie->net(numero);
+    Reseau::Rapport rapport = Reseau::analyser(net, {.verdictSeul = verdictSeul, .preuves = true});
+    std::ostringstream texte;
+    familles::ecrire(texte, net);
+    EXPECT_EQ(essai::verifier(texte.str(), Reseau::ecrire(net, rapport), verdictSeul), "") << noeuds << ' ' << numero;
+    return rapport;
+}
+
+/// What becomes more there does so only where the token goes around through dozens of nodes, and takes on its way what
+/// must be gathered first.
+TEST(GrandsNets, AModelGrowsByAWayAroundThroughDozensOfNodes) {
+    const std::pair<int, int> modeles[] = {{100, 3}, {100, 6}, {100, 7}, {100, 9}, {200, 0}};
+    for (const auto& [noeuds, numero] : modeles) {
+        const Reseau::Rapport rapport = prouver(familles::Genre::LIBRE, noeuds, numero, true);
+        EXPECT_FALSE(rapport.bornee) << noeuds << ' ' << numero;
+        EXPECT_LE(rapport.explores, 1000U) << noeuds << ' ' << numero;
+    }
+}
+
+/// Each of its twelve kinds of molecules is raised by some way around.
+TEST(GrandsNets, AllBoundsOfAModelThatGrowsByWaysAround) {
+    const Reseau::Rapport rapport = prouver(familles::Genre::LIBRE, 200, 0, false);
+    EXPECT_FALSE(rapport.bornee);
+    EXPECT_EQ(std::ranges::count(rapport.bornes, Reseau::OMEGA), 12);
+    EXPECT_LE(rapport.explores, 10'000U);
+}
+
+TEST(GrandsNets, WeightsShowThatNoWayAroundAddsAnything) {
+    for (const int numero : {1, 9}) {
+        const Reseau::Rapport rapport = prouver(familles::Genre::ETAGE, 200, numero, true);
+        EXPECT_TRUE(rapport.bornee) << numero;
+        EXPECT_LE(rapport.explores, 1000U) << numero;
     }
 }
 
