@@ -33,7 +33,7 @@ Separation::Separation(const Equation& equation, Contradictions& contradictions,
 void Separation::chercher() {
     noeuds_.emplace_back();
     try {
-        if (question_.places.size() > 1 && boucler(equation_.programme)) return;
+        if (boucler(equation_.programme)) return;
         poserLaRacine();
         while (!finie()) {
             const auto [borne, numero] = ouverts_.top();
@@ -140,11 +140,11 @@ std::optional<Cas> Separation::depart(const Noeud& noeud) const {
     return cas;
 }
 
-/// Looks for a way of the token around that adds to the places together, and for a run that goes it; or for weights
+/// Looks for a way of the token around that adds to several places together, and for a run that goes it; or for weights
 /// that show that there is none. The sum of the token's own places does not grow.
 /// @return whether one of them is found, which answers the question
 bool Separation::boucler(const Simplexe& s) {
-    if (!realisation_ || !realisation_->parPromenade()) return false;
+    if (question_.places.size() < 2 || !realisation_ || !realisation_->parPromenade()) return false;
     if (std::ranges::includes(equation_.jeton->places(), question_.places)) return false;
     const std::uint64_t reserve = *equation_.travail - *equation_.travail / PART_DES_BOUCLES;
     *equation_.travail -= reserve;
@@ -162,7 +162,7 @@ bool Separation::boucler(const Simplexe& s) {
 
 /// The distinction to go on with where there is no largest value, and no pump to show it.
 std::optional<Cas> Separation::surUnRayon(std::uint32_t numero, const Simplexe& s) {
-    if (question_.places.size() > 1 && !std::exchange(noeuds_[numero].bouclee, true) && boucler(s)) return std::nullopt;
+    if (!std::exchange(noeuds_[numero].bouclee, true) && boucler(s)) return std::nullopt;
     if (auto cas = contradictions_.horsDAtteinte(s, true)) return cas;
     if (!realisation_ || realisation_->pomper(s)) return std::nullopt;
     return contradictions_.tropTot(s, true);
